@@ -1,0 +1,57 @@
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+
+#ifndef VOSSEL_VERSION
+#define VOSSEL_VERSION "0.0.0"
+#endif
+
+namespace {
+
+const char kUsage[] =
+    "Usage: vossel-cli COMMAND ARGUMENTS\n"
+    "\n"
+    "Looks into GRF files, the sprite collections of Transport Tycoon Deluxe and TTDPatch.\n"
+    "\n"
+    "Commands:\n"
+    "  list FILE                          one line per sprite: #, Width, Height, Size, Flags\n"
+    "  info FILE                          the status text and the messages of a load\n"
+    "  sprite FILE N [--png OUT] [--palette PAL]\n"
+    "                                     the facts of sprite N (from 1), and its pixels as PNG\n"
+    "  chunks FILE N                      how sprite N (from 1) is stored, chunk by chunk\n"
+    "\n"
+    "Options:\n"
+    "  --help       this text\n"
+    "  --version    the program's version\n"
+    "\n"
+    "Exit status: 0 done, 1 the file cannot be read or is too small or a value is out of range,\n"
+    "2 wrong usage.\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty()) {
+    std::fputs(kUsage, stderr);
+    return kExitUsage;
+  }
+  const std::string command = args[0];
+  args.erase(args.begin());
+  if (command == "--help" || command == "-h" || command == "help") {
+    std::fputs(kUsage, stdout);
+    return kExitOk;
+  }
+  if (command == "--version") {
+    std::printf("vossel-cli %s\n", VOSSEL_VERSION);
+    return kExitOk;
+  }
+  if (command == "list") return CmdList(args);
+  if (command == "info") return CmdInfo(args);
+  if (command == "sprite") return CmdSprite(args);
+  if (command == "chunks") return CmdChunks(args);
+  std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
+  return kExitUsage;
+}

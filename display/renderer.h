@@ -1,0 +1,29 @@
+// The sprite renderer: one stored sprite through the palette into a picture area's image.
+#pragma once
+
+#include <cstdint>
+
+#include <QImage>
+
+#include "grf.h"
+#include "palette.h"
+
+// Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
+// (areaHeight - Height + YOffset) / 2, truncated toward zero.
+struct SpritePlacement {
+  int32_t X = 0;
+  int32_t Y = 0;
+};
+SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight);
+
+// The sprite's Width x Height pixels as an 8-bit indexed image with the palette as its colour
+// table, first stored row on top. A null image for Width or Height 0 (or below).
+QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
+                    const PaletteBuffer& palette);
+
+// Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
+// canvas is wiped to white, then the sprite is copied unscaled and opaque at its placement,
+// clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight` picSprite.ScaleHeight.
+// Returns false, with the canvas untouched, when the table holds no record at `index`.
+bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
+                const PaletteBuffer& palette, double freeWidth, double areaHeight);

@@ -1,0 +1,2 @@
+// Sprite chunk walks: filled in by the chunk viewer change.
+#pragma once

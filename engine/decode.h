@@ -1,0 +1,28 @@
+// The sprite decompressor: chunk streams into SpriteData (plain route) or through RowBuffer (run
+// route). Every read is checked against the file, every write against the target.
+#pragma once
+
+#include <cstdint>
+
+#include "grf.h"
+
+enum class DecodeResult {
+  Finished,   // the stream landed exactly on its decoded size
+  Overrun,    // the stream passed its decoded size
+  Truncated,  // the stream runs past the end of the file, or reaches outside its target
+};
+
+// Copies below this length go byte by byte, from it on as one block move.
+constexpr int32_t kBlockMoveThreshold = 48;
+
+// Expands chunks from file[readPos] into target[outPos] until outPos reaches endPos. Both positions
+// are advanced for the caller. Offset chunks whose distance reaches before target[0] copy zeros.
+DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos, uint8_t* target,
+                          int32_t targetCapacity, int32_t& outPos, int32_t endPos);
+
+// Decodes one non-action sprite whose Width, Height and Size are filled. `streamSize` is L - 8,
+// used by the run route. readPos and writePos are advanced for the caller.
+DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
+                          const SpriteRecord& entry, uint8_t flags, int16_t streamSize,
+                          uint8_t* spriteData, int32_t capacity, int32_t& writePos,
+                          uint8_t* rowBuffer);

@@ -1,0 +1,1 @@
+# dialogs: filled in by its own change.

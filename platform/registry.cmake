@@ -1,0 +1,1 @@
+# registry: filled in by its own change.

@@ -1,0 +1,1 @@
+# windows: filled in by its own change.

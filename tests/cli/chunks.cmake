@@ -1,0 +1,1 @@
+# chunks command tests.

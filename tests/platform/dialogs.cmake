@@ -1,0 +1,1 @@
+# dialogs tests: filled in by its own change.

@@ -1,0 +1,1 @@
+# registry tests: filled in by its own change.

@@ -1,0 +1,1 @@
+# windows tests: filled in by its own change.

@@ -1,0 +1,183 @@
+// A small GRF writer for tests: builds chunk streams, records and whole files byte by byte, the
+// well-formed ones and the hostile ones alike.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace grfw {
+
+using Bytes = std::vector<uint8_t>;
+
+inline void Append(Bytes& to, const Bytes& from) { to.insert(to.end(), from.begin(), from.end()); }
+
+inline void PutWord(Bytes& to, uint16_t w) {
+  to.push_back(static_cast<uint8_t>(w & 0xFF));
+  to.push_back(static_cast<uint8_t>(w >> 8));
+}
+
+// --- Chunk streams -------------------------------------------------------------------------------
+
+// One data chunk of 1 to 128 bytes (128 is written as control byte 0).
+inline void AddData(Bytes& stream, const Bytes& data) {
+  stream.push_back(static_cast<uint8_t>(data.size() == 128 ? 0 : data.size()));
+  Append(stream, data);
+}
+
+// One offset chunk of `length` 1..16 bytes from `distance` 0..2047 back.
+inline void AddOffset(Bytes& stream, int length, int distance) {
+  const int c = 0x80 | ((32 - length) << 3) | ((distance >> 8) & 7);
+  stream.push_back(static_cast<uint8_t>(c));
+  stream.push_back(static_cast<uint8_t>(distance & 0xFF));
+}
+
+// The decoded bytes as data chunks of at most `chunk` bytes each.
+inline Bytes Literal(const Bytes& decoded, size_t chunk = 128) {
+  Bytes s;
+  for (size_t i = 0; i < decoded.size(); i += chunk) {
+    const size_t n = std::min(chunk, decoded.size() - i);
+    AddData(s, Bytes(decoded.begin() + static_cast<long>(i), decoded.begin() + static_cast<long>(i + n)));
+  }
+  return s;
+}
+
+// A simple greedy compressor: runs of one repeated byte become offset chunks of distance 1, all
+// else data chunks. Gives real mixes of both chunk kinds.
+inline Bytes Compress(const Bytes& decoded) {
+  Bytes s, pending;
+  size_t i = 0;
+  auto flush = [&] {
+    if (!pending.empty()) Append(s, Literal(pending));
+    pending.clear();
+  };
+  while (i < decoded.size()) {
+    size_t run = 1;
+    while (i + run < decoded.size() && decoded[i + run] == decoded[i] && run < 17) ++run;
+    if (run >= 4) {
+      pending.push_back(decoded[i]);
+      flush();
+      AddOffset(s, static_cast<int>(run - 1), 1);
+      i += run;
+    } else {
+      pending.push_back(decoded[i]);
+      ++i;
+    }
+  }
+  flush();
+  return s;
+}
+
+// --- Run form ------------------------------------------------------------------------------------
+
+struct Run {
+  uint8_t skip;
+  Bytes pixels;  // at most 127
+};
+
+// The decoded stream of a run-form picture: the row table, then each row's runs, the last run of a
+// row with bit 7 set. A row with no run gets one empty last run.
+inline Bytes RunFormStream(const std::vector<std::vector<Run>>& rows) {
+  Bytes table(rows.size() * 2), body;
+  for (size_t r = 0; r < rows.size(); ++r) {
+    const size_t pos = table.size() + body.size();
+    table[2 * r] = static_cast<uint8_t>(pos & 0xFF);
+    table[2 * r + 1] = static_cast<uint8_t>(pos >> 8);
+    std::vector<Run> runs = rows[r];
+    if (runs.empty()) runs.push_back(Run{0, {}});
+    for (size_t k = 0; k < runs.size(); ++k) {
+      const bool last = k + 1 == runs.size();
+      body.push_back(static_cast<uint8_t>(runs[k].pixels.size() | (last ? 0x80 : 0)));
+      body.push_back(runs[k].skip);
+      Append(body, runs[k].pixels);
+    }
+  }
+  Append(table, body);
+  return table;
+}
+
+// --- Records -------------------------------------------------------------------------------------
+
+inline Bytes ActionRecord(const Bytes& data) {
+  Bytes r;
+  PutWord(r, static_cast<uint16_t>(data.size()));
+  r.push_back(0xFF);
+  Append(r, data);
+  return r;
+}
+
+// A non-action record with an explicit length word: the raw form for hostile cases.
+inline Bytes RawSprite(uint16_t lengthWord, uint8_t flags, uint8_t height, uint16_t width,
+                       int16_t x, int16_t y, const Bytes& stream) {
+  Bytes r;
+  PutWord(r, lengthWord);
+  r.push_back(flags);
+  r.push_back(height);
+  PutWord(r, width);
+  PutWord(r, static_cast<uint16_t>(x));
+  PutWord(r, static_cast<uint16_t>(y));
+  Append(r, stream);
+  return r;
+}
+
+// A well-formed non-action record. With the stored-size flag the length word counts the stream's
+// stored bytes, without it the stream's decoded size.
+inline Bytes SpriteRec(uint8_t flags, uint8_t height, uint16_t width, int16_t x, int16_t y,
+                       const Bytes& stream, int32_t decodedSize) {
+  const int32_t l = 8 + ((flags & 2) ? static_cast<int32_t>(stream.size()) : decodedSize);
+  return RawSprite(static_cast<uint16_t>(l), flags, height, width, x, y, stream);
+}
+
+// A plain-form sprite from its pixels (width x height bytes, top row first).
+inline Bytes PlainSprite(uint16_t width, uint8_t height, const Bytes& pixels, int16_t x = 0,
+                         int16_t y = 0, uint8_t flags = 0, bool compress = true) {
+  const Bytes stream = compress ? Compress(pixels) : Literal(pixels);
+  return SpriteRec(flags, height, width, x, y, stream, static_cast<int32_t>(pixels.size()));
+}
+
+// A run-form sprite (flags hold 8; the stored-size flag stays clear).
+inline Bytes RunSprite(uint16_t width, const std::vector<std::vector<Run>>& rows, int16_t x = 0,
+                       int16_t y = 0, uint8_t flags = 8) {
+  const Bytes decoded = RunFormStream(rows);
+  return SpriteRec(flags, static_cast<uint8_t>(rows.size()), width, x, y, Compress(decoded),
+                   static_cast<int32_t>(decoded.size()));
+}
+
+// A whole file: the records one behind the other, with the closing zero word if asked.
+inline Bytes File(std::initializer_list<Bytes> records, bool zeroWord = true) {
+  Bytes f;
+  for (const Bytes& r : records) Append(f, r);
+  if (zeroWord) PutWord(f, 0);
+  return f;
+}
+
+inline Bytes FileOf(const std::vector<Bytes>& records, bool zeroWord = true) {
+  Bytes f;
+  for (const Bytes& r : records) Append(f, r);
+  if (zeroWord) PutWord(f, 0);
+  return f;
+}
+
+// The 17-byte file of the format's first worked example.
+inline Bytes SeventeenByteFile() {
+  return {0x0C, 0x00, 0x00, 0x02, 0x02, 0x00, 0xFE, 0xFF, 0x01,
+          0x00, 0x02, 0x0A, 0x0B, 0xF0, 0x02, 0x00, 0x00};
+}
+
+// Writes bytes to a fresh file under the test temp folder and gives its path.
+inline std::string WriteTemp(const std::string& name, const Bytes& bytes) {
+  const auto dir = std::filesystem::temp_directory_path() / ("vossel-tests-" + std::to_string(getpid()));
+  std::filesystem::create_directories(dir);
+  const auto path = dir / name;
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  return path.string();
+}
+
+}  // namespace grfw
