@@ -17,12 +17,13 @@ constexpr int32_t kBlockMoveThreshold = 48;
 
 // Expands chunks from file[readPos] into target[outPos] until outPos reaches endPos. Both positions
 // are advanced for the caller. Offset chunks whose distance reaches before target[0] copy zeros.
-DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos, uint8_t* target,
-                          int32_t targetCapacity, int32_t& outPos, int32_t endPos);
+DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
+                          uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos);
 
 // Decodes one non-action sprite whose Width, Height and Size are filled. `streamSize` is L - 8,
-// used by the run route. readPos and writePos are advanced for the caller.
+// used by the run route; it is held in 32 bits because L - 8 of the words 0x8000 to 0x8007 does not
+// fit 16. readPos and writePos are advanced for the caller.
 DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
-                          const SpriteRecord& entry, uint8_t flags, int16_t streamSize,
+                          const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
                           uint8_t* rowBuffer);

@@ -7,8 +7,8 @@
 
 struct FileReadResult {
   bool Ok = false;
-  int32_t ErrorNumber = 0;      // errno of the failing call
-  std::string Description;      // its text
+  int32_t ErrorNumber = 0;  // errno of the failing call
+  std::string Description;  // its text
   std::vector<uint8_t> Bytes;
 };
 

@@ -47,10 +47,10 @@ struct SpriteStore {
 int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message);
 
 struct DecodeTotals {
-  int16_t Count = 0;             // sprites decoded
-  int32_t WritePosition = 0;     // bytes of SpriteData in use
-  int32_t CompressedTotal = 0;   // sum of CompressedSize
-  int32_t DecodedTotal = 0;      // sum of Size
+  int16_t Count = 0;            // sprites decoded
+  int32_t WritePosition = 0;    // bytes of SpriteData in use
+  int32_t CompressedTotal = 0;  // sum of CompressedSize
+  int32_t DecodedTotal = 0;     // sum of Size
 };
 
 // Drops the previous store and makes it anew: SpriteData at its full capacity, zero-filled, and
@@ -75,5 +75,6 @@ struct LoadOutcome {
 LoadOutcome LoadSprites(const uint8_t* file, int32_t length, SpriteStore& store,
                         const MessageFn& message);
 
-// A millisecond tick counter, signed 32-bit like the platform's.
+// A millisecond tick counter, signed 32-bit like the platform's. It stays within 0..2^31-1, so the
+// difference of two readings never overflows.
 int32_t GetTickCount();

@@ -1,1 +1,108 @@
 #include "text.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+std::string FormatFixed2(double value) {
+  if (!std::isfinite(value)) value = 0.0;
+  // Halves round away from zero; a value that rounds to zero shows no sign.
+  const long long hundredths = std::llround(value * 100.0);
+  const unsigned long long magnitude = hundredths < 0
+                                           ? 0ULL - static_cast<unsigned long long>(hundredths)
+                                           : static_cast<unsigned long long>(hundredths);
+  std::string text = std::to_string(magnitude / 100);
+  const unsigned fraction = static_cast<unsigned>(magnitude % 100);
+  text += '.';
+  text += static_cast<char>('0' + fraction / 10);
+  text += static_cast<char>('0' + fraction % 10);
+  return hundredths < 0 ? "-" + text : text;
+}
+
+std::string FormatZeroFilled(int32_t value, int digits) {
+  const int64_t wide = value;
+  std::string text = std::to_string(wide < 0 ? -wide : wide);
+  if (static_cast<int>(text.size()) < digits)
+    text.insert(0, static_cast<size_t>(digits) - text.size(), '0');
+  return wide < 0 ? "-" + text : text;
+}
+
+std::string SecondsText(int32_t ticks) {
+  return FormatFixed2(ticks / 1000.0);
+}
+
+std::string FormatSize(int32_t bytes) {
+  // Both held in single precision and compared with 0.9 in single precision: that decides the
+  // unit at 922 bytes and at 943,719 bytes.
+  const float kilobytes = static_cast<float>(bytes / 1024.0);
+  const float megabytes = static_cast<float>(bytes / 1024.0 / 1024.0);
+  if (megabytes > 0.9f) return FormatFixed2(megabytes) + " MB";
+  if (kilobytes > 0.9f) return FormatFixed2(kilobytes) + "kB";
+  return std::to_string(bytes) + " bytes";
+}
+
+std::string ByteToBinary(int32_t value, uint8_t digits) {
+  std::string text;
+  int64_t mask = 1;
+  do {
+    text.insert(text.begin(), (value & mask) > 0 ? '1' : '0');
+    mask *= 2;
+  } while (mask <= value);
+  if (digits > 0 && text.size() < digits) text.insert(0, digits - text.size(), '0');
+  return text;
+}
+
+std::string StatusText(const std::string& fileName, int32_t compressedTotal, int32_t decodedTotal,
+                       int32_t fileLength) {
+  // With nothing decoded there is nothing to compare with: the ratio reads 0.00. The product is
+  // taken in 64 bits so that a file of more than 21 MB of streams cannot overflow it.
+  double ratio = 0.0;
+  if (decodedTotal != 0)
+    ratio = 100.0 - static_cast<double>(static_cast<int64_t>(compressedTotal) * 100) /
+                        static_cast<double>(decodedTotal);
+  return fileName + "\r\n" + "- Compression ratio: " + FormatFixed2(ratio) + " %\r\n" + "- " +
+         FormatSize(compressedTotal) + " compressed of " + FormatSize(decodedTotal) +
+         " uncompressed\r\n" + "- Filesize " + FormatSize(fileLength);
+}
+
+std::string PreparedMessage(int32_t ticks) {
+  return "Prepared memory in " + SecondsText(ticks) + " seconds";
+}
+
+std::string LoadedMessage(int32_t count, int32_t ticks) {
+  return "Loaded " + std::to_string(count) + " sprites in " + SecondsText(ticks) + " seconds";
+}
+
+std::string FileLoadedMessage(const std::string& fileName) {
+  return "*** '" + fileName + "' loaded ***";
+}
+
+std::string ReadFailureText(int32_t number, const std::string& description,
+                            const std::string& path) {
+  return "Error " + std::to_string(number) + ": " + description + " (" + path + ")";
+}
+
+SpriteRowTexts SpriteRow(int32_t index, const SpriteRecord& r) {
+  SpriteRowTexts row;
+  row.Key = "k" + std::to_string(index);
+  row.Number = FormatZeroFilled(index + 1, 4);
+  row.Width = FormatZeroFilled(r.Width, 3);
+  row.Height = FormatZeroFilled(r.Height, 3);
+  row.Size = FormatZeroFilled(r.Size, 5);
+  row.Flags = ByteToBinary(r.Flags, 8);
+  return row;
+}
+
+std::string ViewingCaption(int32_t index, const SpriteRecord& r) {
+  return "Viewing sprite " + std::to_string(index + 1) + " (" + std::to_string(r.Width) + " x " +
+         std::to_string(r.Height) + ")";
+}
+
+std::string FlagsText(const SpriteRecord& r) {
+  return ByteToBinary(r.Flags, 8) + " (" + std::to_string(r.Flags) + ")";
+}
+
+std::string OffsetText(const SpriteRecord& r) {
+  return std::to_string(r.XOffset) + " x " + std::to_string(r.YOffset);
+}

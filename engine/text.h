@@ -32,7 +32,8 @@ std::string PreparedMessage(int32_t ticks);
 std::string LoadedMessage(int32_t count, int32_t ticks);
 std::string FileLoadedMessage(const std::string& fileName);
 // The title after a failed read: "Error " + number + ": " + description + " (" + path + ")".
-std::string ReadFailureText(int32_t number, const std::string& description, const std::string& path);
+std::string ReadFailureText(int32_t number, const std::string& description,
+                            const std::string& path);
 
 // Texts and key of one row of the sprite list, for the sprite at `index` (from 0).
 struct SpriteRowTexts {
