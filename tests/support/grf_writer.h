@@ -16,7 +16,9 @@ namespace grfw {
 
 using Bytes = std::vector<uint8_t>;
 
-inline void Append(Bytes& to, const Bytes& from) { to.insert(to.end(), from.begin(), from.end()); }
+inline void Append(Bytes& to, const Bytes& from) {
+  to.insert(to.end(), from.begin(), from.end());
+}
 
 inline void PutWord(Bytes& to, uint16_t w) {
   to.push_back(static_cast<uint8_t>(w & 0xFF));
@@ -43,7 +45,8 @@ inline Bytes Literal(const Bytes& decoded, size_t chunk = 128) {
   Bytes s;
   for (size_t i = 0; i < decoded.size(); i += chunk) {
     const size_t n = std::min(chunk, decoded.size() - i);
-    AddData(s, Bytes(decoded.begin() + static_cast<long>(i), decoded.begin() + static_cast<long>(i + n)));
+    AddData(s, Bytes(decoded.begin() + static_cast<long>(i),
+                     decoded.begin() + static_cast<long>(i + n)));
   }
   return s;
 }
@@ -172,11 +175,13 @@ inline Bytes SeventeenByteFile() {
 
 // Writes bytes to a fresh file under the test temp folder and gives its path.
 inline std::string WriteTemp(const std::string& name, const Bytes& bytes) {
-  const auto dir = std::filesystem::temp_directory_path() / ("vossel-tests-" + std::to_string(getpid()));
+  const auto dir =
+      std::filesystem::temp_directory_path() / ("vossel-tests-" + std::to_string(getpid()));
   std::filesystem::create_directories(dir);
   const auto path = dir / name;
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.write(reinterpret_cast<const char*>(bytes.data()),
+            static_cast<std::streamsize>(bytes.size()));
   return path.string();
 }
 

@@ -21,7 +21,8 @@ struct CliRun {
 
 inline CliRun RunCli(const std::vector<std::string>& args) {
   static int serial = 0;
-  const std::string base = "/tmp/vossel-cli-" + std::to_string(getpid()) + "-" + std::to_string(++serial);
+  const std::string base =
+      "/tmp/vossel-cli-" + std::to_string(getpid()) + "-" + std::to_string(++serial);
   const std::string outPath = base + ".out", errPath = base + ".err";
   CliRun run;
   const pid_t pid = fork();
