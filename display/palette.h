@@ -20,3 +20,13 @@ int16_t LoadPalette(const std::string& fileName, PaletteBuffer& palette);
 
 // The folder of the running program's own file (links resolved), without a final separator.
 std::string ProgramFolder();
+
+// The text-to-number rule of the palette file. Accepted: optional blanks (spaces, tabs) around;
+// a decimal number with optional sign, digits with an optional point and fraction (at least one
+// digit in all) and an optional exponent (E or e, optional sign, digits); or &H followed by 1 to 8
+// hex digits, &O by 1 to 11 octal digits (no sign, either case). Anything else, the empty text
+// included, is not numeric; so is a value beyond the range of a double.
+bool TextToNumber(const std::string& text, double& value);
+
+// A numeric text whose value, rounded half to even, lies from 0 to 255.
+bool TextToByte(const std::string& text, uint8_t& value);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include <QImage>
 
@@ -27,3 +28,17 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 // Returns false, with the canvas untouched, when the table holds no record at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight);
+
+// The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
+QList<QRgb> PaletteColours(const PaletteBuffer& palette);
+
+// A bitmap that would need more bytes than this is not drawn: no store can hold such a sprite.
+constexpr int64_t kMaxBitmapBytes = 16 * 1024 * 1024;
+
+// The sprite's rows at a stride of the next multiple of 4 (`stride` is set), zero-filled: a width
+// that is a multiple of 4 takes one block of Size bytes, any other width one block of Width bytes
+// a row, leaving the fill bytes zero. Only bytes inside `spriteData` are copied; those of a
+// record reaching outside it stay zero. Empty for Width or Height 0 or below and above
+// kMaxBitmapBytes.
+std::vector<uint8_t> BitmapBuffer(const SpriteRecord& r, const uint8_t* spriteData,
+                                  int32_t dataSize, int32_t& stride);
