@@ -1,1 +1,3 @@
-# registry tests: filled in by its own change.
+add_executable(test_registry test_registry.cpp)
+target_link_libraries(test_registry PRIVATE vossel_registry GTest::gtest_main)
+gtest_discover_tests(test_registry DISCOVERY_MODE PRE_TEST)
