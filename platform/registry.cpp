@@ -353,6 +353,25 @@ bool FindKey(std::string_view text, const std::u16string& path, std::vector<RegV
   return exists;
 }
 
+// Whether the file is a 64-bit prefix's: Wine says so before the first key.
+bool IsWin64(std::string_view text) {
+  LineReader lines{text};
+  std::string_view line;
+  while (lines.Next(line) && (line.empty() || line[0] != '['))
+    if (line == "#arch=win64") return true;
+  return false;
+}
+
+// The path as a 32-bit program sees it on a 64-bit prefix: HKLM\Software lies under
+// Software\Wow6432Node, where the game's 32-bit installer wrote its key.
+std::u16string Wow64Path(const std::u16string& path) {
+  const std::u16string software = u"software";
+  const std::u16string wow = u"software\\wow6432node";
+  if (path != software && !path.starts_with(software + u'\\')) return path;
+  if (path == wow || path.starts_with(wow + u'\\')) return path;
+  return wow + path.substr(software.size());
+}
+
 // The whole file, when it is a readable regular file within the size limit. Opened without
 // blocking, so that a pipe in the file's place cannot hang the program.
 bool ReadRegistryFile(const std::string& path, std::string& text) {
@@ -429,7 +448,7 @@ std::string GetRegString(uint32_t hKey, const std::string& SubKey, const std::st
     gRegistryCalls.QueryValueEx(key, ValueName.c_str(), nullptr, &unusedType,
                                 reinterpret_cast<uint8_t*>(buffer.data()), &size);
     // The system keeps the first NUL's position in 16 bits. A NUL past 32,767 does not fit
-    // there; rather than cut the text or lose it, it is still cut at that NUL.
+    // there; the text before it is given whole all the same, as for a shorter value.
     const size_t firstNul = buffer.find('\0');
     result = firstNul == std::string::npos ? buffer : buffer.substr(0, firstNul);
   }
@@ -453,7 +472,11 @@ int32_t RegOpenKeyA(uint32_t hKey, const char* SubKey, uint32_t* Result) {
   if (OpenKeys().size() >= kMaxOpenKeys) return ERROR_TOO_MANY_OPEN_FILES;
 
   std::string text;
-  if (!ReadRegistryFile(WineRegistryFile(), text) || !FindKey(text, key.Path, key.Values))
+  if (!ReadRegistryFile(WineRegistryFile(), text)) return ERROR_FILE_NOT_FOUND;
+  // The 32-bit view first, as the game has it; the key itself where that view has none.
+  const std::u16string view = IsWin64(text) ? Wow64Path(key.Path) : key.Path;
+  if (!(view != key.Path && FindKey(text, view, key.Values)) &&
+      !FindKey(text, key.Path, key.Values))
     return ERROR_FILE_NOT_FOUND;
   *Result = NewHandle();
   OpenKeys()[*Result] = std::move(key);

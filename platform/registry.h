@@ -32,8 +32,10 @@ std::string GetRegString(uint32_t hKey, const std::string& SubKey, const std::st
 // The registry operations over Wine's file. HKEY_LOCAL_MACHINE is the file's root; a missing,
 // unreadable or foreign file is a registry without keys. RegOpenKeyA reads the file once and keeps
 // the values of the opened key until RegCloseKey. Sub-key and value names compare without regard
-// to case. String values (REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ) come out as UTF-8, their size in
-// those bytes; a NUL stored in the value is counted as one byte.
+// to case. In a 64-bit prefix, keys under Software are looked for first where a 32-bit program
+// finds them, under Software\Wow6432Node. String values (REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ)
+// come out as UTF-8, their size in those bytes, a stored NUL as one byte; string data given as
+// hex bytes is UTF-16LE, and an odd last byte is dropped.
 int32_t RegOpenKeyA(uint32_t hKey, const char* SubKey, uint32_t* Result);
 // Data == nullptr asks for type and size only. Reserved must be nullptr.
 int32_t RegQueryValueExA(uint32_t hKey, const char* ValueName, uint32_t* Reserved, uint32_t* Type,

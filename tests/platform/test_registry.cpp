@@ -380,6 +380,42 @@ TEST_F(Registry, KeyPathsOpenAsWineDoes) {
   EXPECT_EQ(GetRegString(0x80000001u, kTtdKey, "HDPath", "fallback"), "fallback");
 }
 
+// A 32-bit installer in a 64-bit prefix writes under Software\Wow6432Node, and the game finds its
+// key there; so does GetRegString.
+TEST_F(Registry, SixtyFourBitPrefixShowsTheThirtyTwoBitView) {
+  const std::string wow =
+      "[Software\\\\Wow6432Node\\\\FISH Technology Group\\\\Transport Tycoon Deluxe] 7\n";
+  const std::string native = kTtdSection + "\"HDPath\"=\"C:\\\\Native\"\n\"Only\"=\"native\"\n\n";
+  const std::string header = "WINE REGISTRY Version 2\n;; All keys relative to \\\\Machine\n\n";
+  const std::string file = prefix_ + "/system.reg";
+
+  WriteFile(file, header + "#arch=win64\n\n" + native + wow + "\"HDPath\"=\"C:\\\\Wow\"\n");
+  EXPECT_EQ(Ttd("HDPath"), "C:\\Wow");
+  EXPECT_EQ(Ttd("Only"), "fallback");  // the view's key is the one opened
+  EXPECT_EQ(GetRegString(HKEY_LOCAL_MACHINE,
+                         "Software\\Wow6432Node\\FISH Technology Group\\"
+                         "Transport Tycoon Deluxe",
+                         "HDPath", ""),
+            "C:\\Wow");
+  uint32_t software = 0;
+  uint32_t key = 0;
+  ASSERT_EQ(RegOpenKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE", &software), ERROR_SUCCESS);
+  ASSERT_EQ(RegOpenKeyA(software, "FISH Technology Group\\Transport Tycoon Deluxe", &key),
+            ERROR_SUCCESS);
+  uint32_t size = 0;
+  EXPECT_EQ(RegQueryValueExA(key, "HDPath", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+  EXPECT_EQ(size, 7u);  // "C:\Wow" and its NUL
+  EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+  EXPECT_EQ(RegCloseKey(software), ERROR_SUCCESS);
+
+  // Without the view's key the key itself is read.
+  WriteFile(file, header + "#arch=win64\n\n" + native);
+  EXPECT_EQ(Ttd("HDPath"), "C:\\Native");
+  // A 32-bit prefix has no such view.
+  WriteFile(file, header + "#arch=win32\n\n" + wow + "\"HDPath\"=\"C:\\\\Wow\"\n");
+  EXPECT_EQ(Ttd("HDPath"), "fallback");
+}
+
 TEST_F(Registry, OperationsRefuseBadHandlesAndArguments) {
   WriteTtdValues("\"HDPath\"=\"C:\\\\TTD\"");
   uint32_t type = 0;
