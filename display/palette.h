@@ -30,3 +30,5 @@ bool TextToNumber(const std::string& text, double& value);
 
 // A numeric text whose value, rounded half to even, lies from 0 to 255.
 bool TextToByte(const std::string& text, uint8_t& value);
+
+// LoadPalette also refuses a line of more than 1 MiB, so that an endless input cannot hold it.

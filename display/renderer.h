@@ -42,3 +42,7 @@ constexpr int64_t kMaxBitmapBytes = 16 * 1024 * 1024;
 // kMaxBitmapBytes.
 std::vector<uint8_t> BitmapBuffer(const SpriteRecord& r, const uint8_t* spriteData,
                                   int32_t dataSize, int32_t& stride);
+
+// A sprite that cannot be drawn (Width or Height 0 or below, or a bitmap above kMaxBitmapBytes)
+// still wipes the canvas, so no earlier sprite stays beside its facts, and DrawSprite returns
+// true. The canvas is expected in a format QPainter draws on (Format_RGB32 and the like).

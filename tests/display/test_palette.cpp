@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 
 #include "grf_writer.h"
@@ -35,11 +36,17 @@ std::string PalWithEntries(const std::string& count, int lines) {
   return text;
 }
 
+// The bytes of the buffer from `at` on.
+void ExpectBytes(const PaletteBuffer& p, int at, std::initializer_list<int> bytes) {
+  for (const int b : bytes) {
+    EXPECT_EQ(p[at], b) << "byte " << at;
+    ++at;
+  }
+}
+
 void ExpectEntry(const PaletteBuffer& p, int i) {
-  EXPECT_EQ(p[4 * i], i ^ 0x5A) << "blue of entry " << i;
-  EXPECT_EQ(p[4 * i + 1], 255 - i) << "green of entry " << i;
-  EXPECT_EQ(p[4 * i + 2], i) << "red of entry " << i;
-  EXPECT_EQ(p[4 * i + 3], 0) << "zero of entry " << i;
+  SCOPED_TRACE("entry " + std::to_string(i));
+  ExpectBytes(p, 4 * i, {i ^ 0x5A, 255 - i, i, 0});
 }
 
 void ExpectMarkedFrom(const PaletteBuffer& p, int firstByte) {
@@ -56,14 +63,8 @@ TEST(LoadPalette, ShippedFileBesideTheProgram) {
   PaletteBuffer p{};
   ASSERT_EQ(LoadPalette(JoinPath(ProgramFolder(), kPaletteFileName), p), -1);
   // Its first line is "0 0 255" and its last "255 255 255".
-  EXPECT_EQ(p[0], 255);
-  EXPECT_EQ(p[1], 0);
-  EXPECT_EQ(p[2], 0);
-  EXPECT_EQ(p[3], 0);
-  EXPECT_EQ(p[1020], 255);
-  EXPECT_EQ(p[1021], 255);
-  EXPECT_EQ(p[1022], 255);
-  EXPECT_EQ(p[1023], 0);
+  ExpectBytes(p, 0, {255, 0, 0, 0});
+  ExpectBytes(p, 1020, {255, 255, 255, 0});
 }
 
 TEST(LoadPalette, Count256FillsTheBufferExactly) {
@@ -76,20 +77,11 @@ TEST(LoadPalette, EntryLineFormsThatRead) {
   PaletteBuffer p = Marked();
   // Blue stands first in the buffer and last on the line.
   ASSERT_EQ(Load(kHead + "1\r\n0 0 255\r\n", p), -1);
-  EXPECT_EQ(p[0], 255);
-  EXPECT_EQ(p[1], 0);
-  EXPECT_EQ(p[2], 0);
-  EXPECT_EQ(p[3], 0);
+  ExpectBytes(p, 0, {255, 0, 0, 0});
 
   // A fourth token and a trailing blank are ignored; whatever follows the last entry is not read.
   ASSERT_EQ(Load(kHead + "2\r\n1 2 3 4\r\n5 6 7 \r\nnot a palette line\r\n", p), -1);
-  EXPECT_EQ(p[0], 3);
-  EXPECT_EQ(p[1], 2);
-  EXPECT_EQ(p[2], 1);
-  EXPECT_EQ(p[4], 7);
-  EXPECT_EQ(p[5], 6);
-  EXPECT_EQ(p[6], 5);
-  EXPECT_EQ(p[7], 0);
+  ExpectBytes(p, 0, {3, 2, 1, 0, 7, 6, 5, 0});
   ExpectMarkedFrom(p, 8);
 }
 
@@ -97,8 +89,7 @@ TEST(LoadPalette, LineEnds) {
   PaletteBuffer p = Marked();
   // A lone CR ends a line; the last line needs no end at all.
   ASSERT_EQ(Load("JASC-PAL\r0100\r1\r9 8 7", p), -1);
-  EXPECT_EQ(p[0], 7);
-  EXPECT_EQ(p[2], 9);
+  ExpectBytes(p, 0, {7, 8, 9, 0});
 
   // LF alone does not end a line: the whole file is line 1.
   p = Marked();

@@ -198,6 +198,14 @@ TEST(DrawSprite, PlacesTheSpriteOnWhite) {
   const QImage first = canvas.copy();
   ASSERT_TRUE(DrawSprite(canvas, s, 0, p, 224, 183));
   EXPECT_EQ(canvas, first);
+
+  // An action sprite of 10 bytes: a strip 10 x 1 without offsets.
+  SpriteStore action;
+  action.SpriteTable.push_back(Record(10, 1));
+  action.SpriteTable[0].Flags = kActionFlags;
+  action.SpriteData = {5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+  ASSERT_TRUE(DrawSprite(canvas, action, 0, p, 224, 183));
+  ExpectPicture(canvas, action, 0, 107, 91, p);
 }
 
 TEST(DrawSprite, WipesThePreviousSprite) {
@@ -250,19 +258,6 @@ TEST(DrawSprite, ClipsAtTheCanvasEdges) {
   const SpriteStore before = OneSprite(4, 4, -1000, -1000);
   ASSERT_TRUE(DrawSprite(canvas, before, 0, p, 10, 10));
   ExpectPicture(canvas, before, 0, -497, -497, p);
-}
-
-TEST(DrawSprite, ActionSpriteStrip) {
-  const PaletteBuffer p = TestPalette();
-  SpriteStore s;
-  SpriteRecord r = Record(10, 1);
-  r.Flags = kActionFlags;
-  r.CompressedSize = 10;
-  s.SpriteTable.push_back(r);
-  s.SpriteData = {5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
-  QImage canvas = Canvas(240, 183);
-  ASSERT_TRUE(DrawSprite(canvas, s, 0, p, 224, 183));
-  ExpectPicture(canvas, s, 0, 107, 91, p);
 }
 
 TEST(DrawSprite, NoRecordLeavesTheCanvasAlone) {
