@@ -1,0 +1,42 @@
+// A scroll bar, vertical or horizontal, whose Value is a signed 16-bit number kept within its
+// minimum and maximum. Both step sizes are 1.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include <QScrollBar>
+
+class ScrollBar : public QScrollBar {
+  Q_OBJECT
+
+ public:
+  ScrollBar(Qt::Orientation orientation, QWidget* parent);
+
+  int16_t Value() const { return static_cast<int16_t>(value()); }
+  // A value outside the range is taken as the nearest end of it.
+  void SetValue(int16_t value);
+  int16_t Min() const { return static_cast<int16_t>(minimum()); }
+  int16_t Max() const { return static_cast<int16_t>(maximum()); }
+  // A new range pulls the value inside it without a change event: whoever sets the range shows
+  // what it needs itself. A maximum below the minimum is taken as the minimum.
+  void SetMin(int16_t min);
+  void SetMax(int16_t max);
+
+  // Runs when the value really changes: by a program, a click or a key, and when a thumb drag
+  // ends on another value than it started from.
+  std::function<void()> Change;
+  // Runs for every position the thumb passes while it is dragged; Value is then that position.
+  std::function<void()> Scroll;
+
+ protected:
+  // Right and Down step up, Left and Up step down, on both kinds of bar.
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void ValueChanged();
+  void DragEnded();
+
+  bool quiet_ = false;  // a range change is pulling the value in
+  int dragStart_ = 0;
+};
