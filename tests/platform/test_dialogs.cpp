@@ -229,65 +229,44 @@ TEST_F(FileDialogTest, FileOpenStartsOnAnEmptyBuffer) {
   EXPECT_EQ(std::string(65536, '\0'), second);
 }
 
-TEST_F(FileDialogTest, FileOpenCancelLeavesFilename) {
-  Dialog(0, "");
-  EXPECT_EQ("/old/name.grf", Open("/old/name.grf", false));
-  EXPECT_EQ(1, calls);
-}
+// What the dialog returns and leaves in the buffer, against Filename before and after.
+struct OpenCase {
+  const char* what;
+  int32_t returned;
+  std::string buffer, before, after;
+  bool result;
+};
 
-TEST_F(FileDialogTest, FileOpenOneFileReplacesFilename) {
-  Dialog(1, "/usr/share/games/openttd/baseset/openttd.grf\0"s);
-  EXPECT_EQ("/usr/share/games/openttd/baseset/openttd.grf", Open("", true));
-  EXPECT_EQ("/usr/share/games/openttd/baseset/openttd.grf",
-            Open("/a/much/longer/name/that/was/there/before.grf", true));
-}
-
-TEST_F(FileDialogTest, FileOpenTrimsBlanksOnlyAtTheFront) {
-  Dialog(1, "   /games/my file.grf  \0"s);
-  EXPECT_EQ("/games/my file.grf  ", Open("", true));
-  // A buffer of blanks alone is no name.
-  Dialog(1, "      \0"s);
-  EXPECT_EQ("/old", Open("/old", false));
-}
-
-TEST_F(FileDialogTest, FileOpenEmptyFirstPieceIsNoFileEvenWhenConfirmed) {
-  Dialog(1, "\0/games/a.grf\0"s);
-  EXPECT_EQ("/old", Open("/old", false));
-}
-
-TEST_F(FileDialogTest, FileOpenSeveralFilesJoinsFullPaths) {
-  Dialog(1, "/games\0a.grf\0b.grf\0\0"s);
-  EXPECT_EQ("/games/a.grf|/games/b.grf", Open("", true));
-
-  Dialog(1, "/games/\0a.grf\0b.grf\0\0"s);
-  EXPECT_EQ("/games/a.grf|/games/b.grf", Open("", true));
-
-  Dialog(1, "/\0a.grf\0b.grf\0\0"s);  // root folder: one separator
-  EXPECT_EQ("/a.grf|/b.grf", Open("", true));
-
-  Dialog(1, "/games\0a.grf\0\0\0b.grf\0"s);  // empty pieces are skipped
-  EXPECT_EQ("/games/a.grf|/games/b.grf", Open("", true));
-}
-
-TEST_F(FileDialogTest, FileOpenSeveralFilesDoesNotClearFilenameFirst) {
-  Dialog(1, "/games\0a.grf\0b.grf\0\0"s);
-  // The old text stays in front, less its first character.
-  EXPECT_EQ("ld|/games/a.grf|/games/b.grf", Open("old", true));
-}
-
-TEST_F(FileDialogTest, FileOpenSecondPieceAtTheEndOfTheFirstIsOneFile) {
-  Dialog(1, "/games/a.grf\0a.grf\0"s);
-  EXPECT_EQ("/games/a.grf", Open("", true));
-  // Longer than the first piece: a folder and a name.
-  Dialog(1, "ab\0xab\0"s);
-  EXPECT_EQ("ab/xab", Open("", true));
-}
-
-TEST_F(FileDialogTest, FileOpenFailedCallStillWritesFilename) {
-  Dialog(0, "\xFF\xFF\0"s);  // what an overfull selection leaves
-  EXPECT_EQ("\xFF\xFF", Open("/old", false));
-  Dialog(0, "/games\0a.grf\0b.grf\0\0"s);
-  EXPECT_EQ("/games/a.grf|/games/b.grf", Open("", false));
+TEST_F(FileDialogTest, FileOpenReadsTheBufferIntoFilename) {
+  const OpenCase cases[] = {
+      {"cancel", 0, "", "/old", "/old", false},
+      {"one file", 1, "/games/a.grf\0"s, "", "/games/a.grf", true},
+      {"one file replaces", 1, "/games/a.grf\0"s, "/a/much/longer/name/before.grf", "/games/a.grf",
+       true},
+      {"blanks trimmed in front only", 1, "   /games/my file.grf  \0"s, "", "/games/my file.grf  ",
+       true},
+      {"blanks alone", 1, "      \0"s, "/old", "/old", false},
+      {"empty first piece, confirmed", 1, "\0/games/a.grf\0"s, "/old", "/old", false},
+      {"several", 1, "/games\0a.grf\0b.grf\0\0"s, "", "/games/a.grf|/games/b.grf", true},
+      {"several, folder with separator", 1, "/games/\0a.grf\0b.grf\0\0"s, "",
+       "/games/a.grf|/games/b.grf", true},
+      {"several in the root", 1, "/\0a.grf\0b.grf\0\0"s, "", "/a.grf|/b.grf", true},
+      {"empty pieces skipped", 1, "/games\0a.grf\0\0\0b.grf\0"s, "", "/games/a.grf|/games/b.grf",
+       true},
+      // The old text stays in front, less its first character.
+      {"several, not cleared first", 1, "/games\0a.grf\0b.grf\0\0"s, "old",
+       "ld|/games/a.grf|/games/b.grf", true},
+      {"second piece ends the first", 1, "/games/a.grf\0a.grf\0"s, "", "/games/a.grf", true},
+      {"second piece longer", 1, "ab\0xab\0"s, "", "ab/xab", true},
+      // What an overfull selection leaves: the size it needed.
+      {"failed with text", 0, "\xFF\xFF\0"s, "/old", "\xFF\xFF", false},
+      {"failed with a list", 0, "/games\0a.grf\0b.grf\0\0"s, "", "/games/a.grf|/games/b.grf",
+       false},
+  };
+  for (const OpenCase& c : cases) {
+    Dialog(c.returned, c.buffer);
+    EXPECT_EQ(c.after, Open(c.before, c.result)) << c.what;
+  }
 }
 
 TEST_F(FileDialogTest, FileOpenTakesNamesBeyondSixteenBitsOfPieces) {
