@@ -92,10 +92,11 @@ int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& messa
 }
 
 void ReserveStore(SpriteStore& store, int16_t count) {
-  // Drop first, so that the old and the new store are never held together.
-  std::vector<uint8_t>().swap(store.SpriteData);
+  // The table is dropped first, so that the old and the new one are never held together. The
+  // store's block is kept from the last load: zeroing what that load used is cheaper than fresh
+  // pages.
   std::vector<SpriteRecord>().swap(store.SpriteTable);
-  store.SpriteData.assign(kSpriteDataCapacity, 0);
+  store.SpriteData.AssignZeroed(kSpriteDataCapacity);
   store.SpriteTable.assign(count > 0 ? count : 0, SpriteRecord{});
 }
 
@@ -170,10 +171,10 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
 
 void CutStore(SpriteStore& store, int32_t writePosition) {
   if (writePosition < 0) writePosition = 0;
-  if (static_cast<size_t>(writePosition) < store.SpriteData.size()) {
-    store.SpriteData.resize(static_cast<size_t>(writePosition));
-    store.SpriteData.shrink_to_fit();
-  }
+  // Only the last run of a run-form sprite can write behind the write position: it starts inside
+  // its sprite and holds at most 127 pixels.
+  const size_t cut = static_cast<size_t>(writePosition);
+  store.SpriteData.CutTo(cut, cut + 127);
 }
 
 LoadOutcome LoadSprites(const uint8_t* file, int32_t length, SpriteStore& store,

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "bytearray.h"
+
 // Decoded bytes of all sprites together: 6 x 1024 x 1024.
 constexpr int32_t kSpriteDataCapacity = 6291456;
 // A file of fewer bytes is refused before any record is read.
@@ -38,7 +40,7 @@ using MessageFn = std::function<void(const std::string&)>;
 // The sprite store that frmMain owns.
 struct SpriteStore {
   std::vector<SpriteRecord> SpriteTable;
-  std::vector<uint8_t> SpriteData;
+  ByteArray SpriteData;
 };
 
 // Counting pass: how many records the file holds, at most 32,767. A record that cannot be taken in
@@ -62,7 +64,7 @@ void ReserveStore(SpriteStore& store, int16_t count);
 DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& store,
                            uint8_t* rowBuffer, const MessageFn& message);
 
-// Cuts SpriteData to the bytes written, keeping its contents.
+// Cuts SpriteData to the bytes written, keeping its contents, in place.
 void CutStore(SpriteStore& store, int32_t writePosition);
 
 // Both passes with the store's making and cutting, for callers without a window.

@@ -102,7 +102,7 @@ TEST(BitmapBuffer, StrideAndFillBytes) {
   std::vector<uint8_t> b =
       BitmapBuffer(s.SpriteTable[0], s.SpriteData.data(), int32_t(s.SpriteData.size()), stride);
   EXPECT_EQ(stride, 64);
-  EXPECT_EQ(b, s.SpriteData);
+  EXPECT_EQ(b, std::vector<uint8_t>(s.SpriteData.begin(), s.SpriteData.end()));
 
   // Width 5, height 2: stride 8, rows at 0 and 8, bytes 5..7 and 13..15 zero.
   s = OneSprite(5, 2, 0, 0, 10);

@@ -214,11 +214,12 @@ TEST(Loader, StoreIsMadeAnewAndCutToTheBytesWritten) {
   SpriteStore store;
   const Bytes first = grfw::File({grfw::PlainSprite(2, 2, {1, 2, 3, 4}), grfw::ActionRecord({5})});
   LoadSprites(first.data(), static_cast<int32_t>(first.size()), store, nullptr);
-  EXPECT_EQ(store.SpriteData, (Bytes{1, 2, 3, 4, 5}));
+  EXPECT_EQ(Bytes(store.SpriteData.begin(), store.SpriteData.end()), (Bytes{1, 2, 3, 4, 5}));
   const Bytes second = grfw::SeventeenByteFile();
   LoadSprites(second.data(), static_cast<int32_t>(second.size()), store, nullptr);
   EXPECT_EQ(store.SpriteTable.size(), 1u);
-  EXPECT_EQ(store.SpriteData, (Bytes{0x0A, 0x0B, 0x0A, 0x0B}));
+  EXPECT_EQ(Bytes(store.SpriteData.begin(), store.SpriteData.end()),
+            (Bytes{0x0A, 0x0B, 0x0A, 0x0B}));
 }
 
 TEST(ReadWholeFile, FailuresCarryTheFileLayersNumberAndText) {
@@ -235,4 +236,26 @@ TEST(ReadWholeFile, FailuresCarryTheFileLayersNumberAndText) {
   r = ReadWholeFile(grfw::WriteTemp("seventeen.grf", grfw::SeventeenByteFile()));
   ASSERT_TRUE(r.Ok);
   EXPECT_EQ(r.Bytes, grfw::SeventeenByteFile());
+}
+
+TEST(Loader, AKeptStoreStartsTheNextLoadFromZeros) {
+  // The first file's last sprite is a 2 x 1 run-form sprite whose one run of 127 pixels spills far
+  // past the bytes written; its first sprite fills 4,000 bytes. The second file's sprite, 100 x 50,
+  // has no pixel at all: every cell must read zero, as on a fresh store.
+  const Bytes spill = grfw::RunSprite(2, {{{0, Bytes(127, 0xAB)}}});
+  const Bytes first = grfw::File({grfw::PlainSprite(100, 40, Bytes(4000, 0xCD)), spill});
+  const Bytes second = grfw::File(
+      {grfw::RunSprite(100, std::vector<std::vector<grfw::Run>>(50, std::vector<grfw::Run>{}))});
+  SpriteStore kept;
+  LoadSprites(first.data(), static_cast<int32_t>(first.size()), kept, nullptr);
+  ASSERT_EQ(kept.SpriteData.size(), 4002u);
+  LoadSprites(second.data(), static_cast<int32_t>(second.size()), kept, nullptr);
+  SpriteStore fresh;
+  LoadSprites(second.data(), static_cast<int32_t>(second.size()), fresh, nullptr);
+  EXPECT_EQ(kept.SpriteData, fresh.SpriteData);
+  EXPECT_EQ(std::count(kept.SpriteData.begin(), kept.SpriteData.end(), 0), 5000);
+  // And a third load of the first file gives its bytes again.
+  LoadSprites(first.data(), static_cast<int32_t>(first.size()), kept, nullptr);
+  EXPECT_EQ(kept.SpriteData[4000], 0xAB);
+  EXPECT_EQ(kept.SpriteData[4001], 0xAB);
 }

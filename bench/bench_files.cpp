@@ -1,0 +1,111 @@
+#include "bench_files.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include "grf_writer.h"
+
+namespace {
+
+std::vector<uint8_t> ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::vector<uint8_t>((std::istreambuf_iterator<char>(in)),
+                              std::istreambuf_iterator<char>());
+}
+
+// Deterministic pixels with runs in them, so the streams mix both chunk kinds.
+struct Pixels {
+  uint32_t state = 12345;
+  uint8_t Next() {
+    state = state * 1103515245u + 12345u;
+    return static_cast<uint8_t>(state >> 16);
+  }
+  grfw::Bytes Make(size_t n) {
+    grfw::Bytes out;
+    while (out.size() < n) {
+      const uint8_t v = Next();
+      const size_t run = (v & 3) == 0 ? 4 + (v >> 5) : 1;
+      for (size_t i = 0; i < run && out.size() < n; ++i) out.push_back(v);
+    }
+    return out;
+  }
+};
+
+}  // namespace
+
+std::vector<BenchFile> RealBenchFiles() {
+  std::vector<std::string> paths;
+  if (const char* env = std::getenv("VOSSEL_BENCH_FILES")) {
+    std::string list = env;
+    size_t at = 0;
+    while (at <= list.size()) {
+      const size_t colon = list.find(':', at);
+      const std::string path =
+          list.substr(at, colon == std::string::npos ? std::string::npos : colon - at);
+      if (!path.empty()) paths.push_back(path);
+      if (colon == std::string::npos) break;
+      at = colon + 1;
+    }
+  }
+  for (const char* name : {"openttd.grf", "orig_extra.grf"})
+    paths.push_back(std::string("/usr/share/games/openttd/baseset/") + name);
+  std::vector<BenchFile> files;
+  std::set<std::string> seen;
+  for (const std::string& path : paths) {
+    const std::string name = std::filesystem::path(path).stem().string();
+    if (!std::filesystem::is_regular_file(path) || !seen.insert(name).second) continue;
+    files.push_back({name, ReadFile(path)});
+  }
+  return files;
+}
+
+std::vector<uint8_t> LimitsFile() {
+  Pixels pixels;
+  std::vector<grfw::Bytes> records;
+  records.reserve(32767);
+  for (int i = 0; i < 32767; ++i) {
+    if (i % 2 == 0) {
+      records.push_back(grfw::PlainSprite(16, 12, pixels.Make(16 * 12), -8, -6));
+    } else {
+      std::vector<std::vector<grfw::Run>> rows(12);
+      for (int r = 0; r < 12; ++r) {
+        const uint8_t a = static_cast<uint8_t>(pixels.Next() % 6);
+        rows[static_cast<size_t>(r)] = {{a, pixels.Make(5)},
+                                        {static_cast<uint8_t>(a + 7), pixels.Make(3)}};
+      }
+      records.push_back(grfw::RunSprite(16, rows, -8, -6));
+    }
+  }
+  return grfw::FileOf(records);
+}
+
+std::vector<uint8_t> ManySpritesFile(int count) {
+  Pixels pixels;
+  std::vector<grfw::Bytes> records;
+  for (int i = 0; i < count; ++i) {
+    if (i % 50 == 0)
+      records.push_back(grfw::ActionRecord(pixels.Make(40)));
+    else
+      records.push_back(grfw::PlainSprite(32, 24, pixels.Make(32 * 24), -16, -12));
+  }
+  return grfw::FileOf(records);
+}
+
+std::vector<uint8_t> ChunkyFile(int chunks) {
+  grfw::Bytes stream;
+  int32_t decoded = 0;
+  for (int i = 0; i < chunks; ++i) {
+    if (i % 2 == 0) {
+      grfw::AddData(stream,
+                    grfw::Bytes(static_cast<size_t>(1 + (i * 37) % 128), static_cast<uint8_t>(i)));
+      decoded += 1 + (i * 37) % 128;
+    } else {
+      grfw::AddOffset(stream, 16, 3);
+      decoded += 16;
+    }
+  }
+  return grfw::File({grfw::SpriteRec(0, 1, static_cast<uint16_t>(decoded), 0, 0, stream, decoded)});
+}

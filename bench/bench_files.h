@@ -1,0 +1,25 @@
+// The files the benchmark reads or makes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct BenchFile {
+  std::string Name;  // the file name without its extension, or the generated file's name
+  std::vector<uint8_t> Bytes;
+};
+
+// The files named in VOSSEL_BENCH_FILES (separated by ':'), then the two real files of
+// openttd-data where installed, each once.
+std::vector<BenchFile> RealBenchFiles();
+
+// A file at the limits: 32,767 sprites of 16 x 12, plain and run form alternating, 6,291,264
+// decoded bytes.
+std::vector<uint8_t> LimitsFile();
+
+// A file of `count` plain sprites of 32 x 24 with action sprites among them, like a real set.
+std::vector<uint8_t> ManySpritesFile(int count);
+
+// A file whose first sprite's stream holds exactly `chunks` chunks, data and offset mixed.
+std::vector<uint8_t> ChunkyFile(int chunks);
