@@ -3,17 +3,72 @@
 #include <algorithm>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
-// Below the threshold a byte loop beats the call; from it on one block move. Both give the same
-// bytes, so the threshold is only a matter of speed.
+inline void Copy8(uint8_t* to, const uint8_t* from) {
+  std::memcpy(to, from, 8);
+}
+inline void Copy4(uint8_t* to, const uint8_t* from) {
+  std::memcpy(to, from, 4);
+}
+
+// Copies exactly n bytes between buffers that do not overlap. Long copies are one block move, as
+// the copy rule has it; shorter ones go in blocks whose last one ends on the last byte,
+// overlapping the one before, so that nothing is written past n. The bytes are the same whichever
+// way they go.
 inline void CopyBytes(uint8_t* to, const uint8_t* from, int32_t n) {
-  if (n < kBlockMoveThreshold) {
-    for (int32_t i = 0; i < n; ++i) to[i] = from[i];
-  } else {
+  if (n >= kBlockMoveThreshold) {
     std::memcpy(to, from, static_cast<size_t>(n));
+  } else if (n >= 16) {
+    for (int32_t i = 0; i + 16 < n; i += 16) std::memcpy(to + i, from + i, 16);
+    std::memcpy(to + n - 16, from + n - 16, 16);
+  } else if (n >= 8) {
+    Copy8(to, from);
+    Copy8(to + n - 8, from + n - 8);
+  } else if (n >= 4) {
+    Copy4(to, from);
+    Copy4(to + n - 4, from + n - 4);
+  } else {
+    for (int32_t i = 0; i < n; ++i) to[i] = from[i];
   }
 }
+
+#if defined(__SSE2__)
+// Masks whose first n bytes are set, for n from 0 to 16.
+struct alignas(16) Masks {
+  uint8_t Bytes[17][16];
+};
+constexpr Masks MakeMasks() {
+  Masks m{};
+  for (int n = 0; n <= 16; ++n)
+    for (int i = 0; i < 16; ++i) m.Bytes[n][i] = i < n ? 0xFF : 0x00;
+  return m;
+}
+alignas(16) constexpr Masks kMasks = MakeMasks();
+
+// Writes exactly the first n (at most 16) bytes of `from` to `to` in one block: the 16 - n bytes
+// behind are read and written back as they are. Both sides must have 16 bytes of room.
+inline void CopyUpTo16(uint8_t* to, const uint8_t* from, int32_t n) {
+  const __m128i mask = _mm_load_si128(reinterpret_cast<const __m128i*>(kMasks.Bytes[n]));
+  const __m128i fresh = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i kept = _mm_loadu_si128(reinterpret_cast<const __m128i*>(to));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to),
+                   _mm_or_si128(_mm_and_si128(mask, fresh), _mm_andnot_si128(mask, kept)));
+}
+#else
+inline void CopyUpTo16(uint8_t* to, const uint8_t* from, int32_t n) {
+  CopyBytes(to, from, n);
+}
+#endif
+
+// Margins of the fast region: a chunk reads at most 129 file bytes and writes at most 128, and a
+// block may read and write back up to 16 bytes in all.
+constexpr int32_t kFastFileMargin = 129 + 16;
+constexpr int32_t kFastOutMargin = 128 + 16;
 
 // A row-table entry: two bytes, low first, read as a signed 16-bit number.
 inline int32_t RowTableEntry(const uint8_t* rowBuffer, int32_t row) {
@@ -28,6 +83,42 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
                           int32_t endPos) {
   int32_t rp = readPos;
   int32_t op = outPos;
+  // Fast region: while every chunk's reads lie in the file and its writes before the end
+  // position (which the caller keeps inside the target), no chunk needs a check. Copies go in
+  // blocks but write exactly their chunk's bytes: a chunk of distance 0 leaves the bytes it covers
+  // as they were, so nothing may be written ahead of the chunk being decoded.
+  if (op >= 0 && rp >= 0 && endPos <= targetCapacity) {
+    while (endPos - op >= kFastOutMargin && fileLength - rp >= kFastFileMargin) {
+      const uint8_t c = file[rp];
+      const bool data = c < 128;
+      // Worked out rather than looked up: a table load would lengthen the chain from one control
+      // byte to the next.
+      const int32_t n = data ? (c == 0 ? 128 : c) : 32 - (c >> 3);
+      const int32_t distance = ((c & 7) << 8) | file[rp + 1];  // an offset chunk's only
+      const int32_t back = op - distance;
+      uint8_t* out = target + op;
+      // Most chunks are data chunks of up to 16 bytes, or offset chunks that do not overlap their
+      // own output (n <= distance): one block each, from a source chosen without a branch.
+      if (data ? n <= 16 : back >= 0 && n <= distance) {
+        CopyUpTo16(out, data ? file + rp + 1 : target + (data ? op : back), n);
+      } else if (data) {
+        CopyBytes(out, file + rp + 1, n);
+      } else if (back < 0) {
+        break;  // the careful loop below reads zeros before the target's start
+      } else if (distance >= 8) {
+        // Overlapping its own output (n > distance >= 8): the second block reads only bytes the
+        // first has written.
+        Copy8(out, target + back);
+        Copy8(out + n - 8, target + back + n - 8);
+      } else if (distance == 1) {
+        std::memset(out, target[back], static_cast<size_t>(n));
+      } else {
+        for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
+      }
+      rp += data ? n + 1 : 2;
+      op += n;
+    }
+  }
   DecodeResult result = DecodeResult::Finished;
   while (op != endPos) {
     if (rp < 0 || rp >= fileLength || op < 0) {
