@@ -6,7 +6,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 0x7FFFFFFF) return 0;
-  SpriteStore store;
+  // Kept from one input to the next, as the window keeps it: each load must start from zeros all
+  // the same.
+  static SpriteStore store;
   const LoadOutcome outcome = LoadSprites(data, static_cast<int32_t>(size), store, nullptr);
   const DecodeTotals& t = outcome.Totals;
   // What the window reads after a load must lie inside the store.

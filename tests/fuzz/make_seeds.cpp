@@ -104,12 +104,17 @@ int main(int argc, char** argv) {
           "[SOFTWARE\\\\fish technology group\\\\TRANSPORT TYCOON "
           "DELUXE]\n\"hdpath\"=\"D:\\\\x\"\n");
 
-  // File dialog buffers as the platform leaves them: one path, several files, a cancel.
-  Put(root / "filedialog", "one.buf", std::string("/home/u/a.grf\0", 14) + std::string(40, '\0'));
-  Put(root / "filedialog", "multi.buf", std::string("/home/u\0a.grf\0b.grf\0\0", 22));
-  Put(root / "filedialog", "root.buf", std::string("/\0a.grf\0\0", 9));
-  Put(root / "filedialog", "blanks.buf", std::string("  /x/a b.grf  \0", 15));
-  Put(root / "filedialog", "cancel.buf", std::string(64, '\0'));
-  Put(root / "filedialog", "suffix.buf", std::string("/x/a.grf\0a.grf\0", 15));
+  // File dialog buffers as the platform leaves them, behind one byte: bit 0 says the dialog was
+  // confirmed, bit 1 that the caller's file name was empty. One path, several files, a cancel.
+  const std::string confirmed("\x03", 1), kept("\x01", 1), failed("\x02", 1);
+  Put(root / "filedialog", "one.buf",
+      confirmed + std::string("/home/u/a.grf\0", 14) + std::string(40, '\0'));
+  Put(root / "filedialog", "multi.buf", confirmed + std::string("/home/u\0a.grf\0b.grf\0\0", 22));
+  Put(root / "filedialog", "append.buf", kept + std::string("/home/u\0a.grf\0b.grf\0\0", 22));
+  Put(root / "filedialog", "root.buf", confirmed + std::string("/\0a.grf\0\0", 9));
+  Put(root / "filedialog", "blanks.buf", confirmed + std::string("  /x/a b.grf  \0", 15));
+  Put(root / "filedialog", "cancel.buf", failed + std::string(64, '\0'));
+  Put(root / "filedialog", "failed.buf", failed + std::string("/x\0a.grf\0", 10));
+  Put(root / "filedialog", "suffix.buf", confirmed + std::string("/x/a.grf\0a.grf\0", 15));
   return 0;
 }
