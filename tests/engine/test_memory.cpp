@@ -1,0 +1,125 @@
+// Whatever a file claims, a load holds no more than the store's fixed capacity, the file's bytes,
+// the table and a small constant; a scan no more than the file and its tables. The allocator is
+// counted by standing in for malloc and its kin in this program.
+#include <gtest/gtest.h>
+
+#include <malloc.h>
+
+#include <atomic>
+#include <cstdlib>
+
+#include "chunks.h"
+#include "grf.h"
+#include "grf_writer.h"
+
+extern "C" {
+void* __libc_malloc(size_t);
+void* __libc_calloc(size_t, size_t);
+void* __libc_realloc(void*, size_t);
+void __libc_free(void*);
+}
+
+namespace {
+
+std::atomic<int64_t> live{0}, peak{0};
+
+void Count(int64_t delta) {
+  const int64_t now = live += delta;
+  int64_t seen = peak.load();
+  while (now > seen && !peak.compare_exchange_weak(seen, now)) {
+  }
+}
+
+}  // namespace
+
+extern "C" {
+void* malloc(size_t n) {
+  void* p = __libc_malloc(n);
+  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)));
+  return p;
+}
+void* calloc(size_t n, size_t size) {
+  void* p = __libc_calloc(n, size);
+  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)));
+  return p;
+}
+void* realloc(void* old, size_t n) {
+  const int64_t before = old ? static_cast<int64_t>(malloc_usable_size(old)) : 0;
+  void* p = __libc_realloc(old, n);
+  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)) - before);
+  return p;
+}
+void free(void* p) {
+  if (p) Count(-static_cast<int64_t>(malloc_usable_size(p)));
+  __libc_free(p);
+}
+}
+
+namespace {
+
+using grfw::Bytes;
+
+// Peak bytes held above what was held before `work` ran.
+template <typename Work>
+int64_t PeakOf(Work work) {
+  const int64_t base = live.load();
+  peak = base;
+  work();
+  return peak.load() - base;
+}
+
+// Records that each claim far more than they hold: widths of 32,767 by 255 rows, length words of
+// 32,767, run-form streams of 32,759 bytes, all cut short.
+Bytes Claims(int records) {
+  std::vector<Bytes> all;
+  for (int i = 0; i < records; ++i) {
+    switch (i % 4) {
+      case 0:
+        all.push_back(grfw::RawSprite(0x7FFF, 2, 255, 0x7FFF, 0, 0, {0x7F}));
+        break;
+      case 1:
+        all.push_back(grfw::RawSprite(0x7FFF, 0xFF, 0, 0, 0, 0, {}));
+        break;
+      case 2:
+        all.push_back(grfw::RawSprite(0x7FFF, 8, 255, 0x7FFF, 0, 0, {0x00, 1}));
+        break;
+      default:
+        all.push_back(grfw::RawSprite(10, 2, 255, 0x7FFF, 0, 0, {0x80, 0x01}));
+        break;
+    }
+  }
+  return grfw::FileOf(all, false);
+}
+
+constexpr int64_t kTable = 32767 * static_cast<int64_t>(sizeof(SpriteRecord));
+constexpr int64_t kSmall = 256 * 1024;
+
+}  // namespace
+
+TEST(Memory, ALoadHoldsTheStoreTheTableAndLittleElse) {
+  for (const Bytes& file :
+       {Claims(4), Claims(40000), grfw::File({grfw::ActionRecord(Bytes(32767, 1))})}) {
+    const int64_t used = PeakOf([&] {
+      SpriteStore store;
+      LoadSprites(file.data(), static_cast<int32_t>(file.size()), store, nullptr);
+    });
+    EXPECT_LE(used, kSpriteDataCapacity + kTable + kRowBufferSize + kSmall) << file.size();
+  }
+}
+
+TEST(Memory, AScanHoldsTheFileAndItsTables) {
+  for (const Bytes& file : {Claims(4), Claims(40000)}) {
+    ChunkScan scan;
+    const int64_t used = PeakOf([&] { ScanBuffer(file, scan); });
+    // The file is copied once into the scan; three tables of at most 32,767 entries, grown by
+    // doubling.
+    EXPECT_LE(used, static_cast<int64_t>(file.size()) * 2 + 2 * 32767 * 9 + kSmall) << file.size();
+    // A chunk list reads only the file: its lines grow with the file, not with what a record
+    // claims (a 32,767 x 255 sprite here).
+    const int64_t listed = PeakOf([&] {
+      for (int32_t v = 0; v < static_cast<int32_t>(scan.SpriteOffset.size()); ++v)
+        ChunkList(scan, v);
+    });
+    EXPECT_LE(listed, static_cast<int64_t>(file.size()) * 64 + kSmall) << file.size();
+  }
+}
