@@ -1,0 +1,1 @@
+# Chunk viewer tests: filled in by its own change.

@@ -1,0 +1,1 @@
+# The chunk viewer: filled in by its own change.
