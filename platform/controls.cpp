@@ -20,9 +20,10 @@ namespace {
 constexpr const char kCaptionProperty[] = "vosselCaption";
 constexpr const char kAutoSizeProperty[] = "vosselAutoSize";
 
-// Where a container's client area starts inside the container, in pixels.
-QPoint ClientOrigin(const QWidget* container) {
-  return container == nullptr ? QPoint(0, 0) : container->contentsRect().topLeft();
+QSize ClientSize(const QWidget* container) {
+  const auto* box = qobject_cast<const PictureBox*>(container);
+  const QRect client = box == nullptr ? container->rect() : box->contentsRect();
+  return {std::max(0, client.width()), std::max(0, client.height())};
 }
 
 int32_t PixelsToUnits(const QWidget* container, int32_t pixels) {
@@ -30,6 +31,11 @@ int32_t PixelsToUnits(const QWidget* container, int32_t pixels) {
 }
 
 }  // namespace
+
+QPoint ClientOrigin(const QWidget* container) {
+  const auto* box = qobject_cast<const PictureBox*>(container);
+  return box == nullptr ? QPoint(0, 0) : box->contentsRect().topLeft();
+}
 
 int32_t UnitsPerPixel(const QWidget* container) {
   const auto* box = qobject_cast<const PictureBox*>(container);
@@ -73,11 +79,11 @@ bool Move(QWidget* control, int32_t left, int32_t top, int32_t width, int32_t he
 }
 
 int32_t ScaleWidth(const QWidget* container) {
-  return PixelsToUnits(container, std::max(0, container->contentsRect().width()));
+  return PixelsToUnits(container, ClientSize(container).width());
 }
 
 int32_t ScaleHeight(const QWidget* container) {
-  return PixelsToUnits(container, std::max(0, container->contentsRect().height()));
+  return PixelsToUnits(container, ClientSize(container).height());
 }
 
 void SetCaption(QWidget* control, const std::string& caption) {

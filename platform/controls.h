@@ -6,6 +6,7 @@
 #include <string>
 
 #include <QFont>
+#include <QPoint>
 #include <QString>
 
 class QColor;
@@ -16,6 +17,9 @@ constexpr int32_t kTwipsPerPixel = 15;
 
 // Twips or pixels of one screen pixel inside `container` (15 or 1).
 int32_t UnitsPerPixel(const QWidget* container);
+// Where the client area of `container` starts, in pixels: inside the border of a picture box, at
+// the outer corner of anything else (a frame's caption included).
+QPoint ClientOrigin(const QWidget* container);
 // Units of `container`'s scale to whole pixels, the nearest one.
 int32_t UnitsToPixels(const QWidget* container, int32_t units);
 

@@ -19,9 +19,9 @@ void LineControl::SetEnds(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
   y2_ = y2;
   // The widget is the box round both ends.
   const QWidget* container = parentWidget();
-  const QPoint origin = container == nullptr ? QPoint() : container->contentsRect().topLeft();
   const int px1 = UnitsToPixels(container, x1), py1 = UnitsToPixels(container, y1);
   const int px2 = UnitsToPixels(container, x2), py2 = UnitsToPixels(container, y2);
+  const QPoint origin = ClientOrigin(container);
   setGeometry(origin.x() + std::min(px1, px2), origin.y() + std::min(py1, py2),
               std::abs(px1 - px2) + 1, std::abs(py1 - py2) + 1);
   update();

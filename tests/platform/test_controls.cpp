@@ -81,6 +81,18 @@ TEST(Move, PixelBoxMeasuresItsChildrenInPixelsInsideItsBorder) {
   EXPECT_EQ(ScaleHeight(&box), 0);
 }
 
+TEST(Move, FrameChildrenMeasureFromTheFramesOuterCorner) {
+  QWidget window;
+  QGroupBox frame(&window);
+  SetCaption(&frame, "Sprite:");
+  Move(&frame, 120, 120, 3615, 1095);
+  QWidget label(&frame);
+  Move(&label, 120, 360, 495, 255);
+  EXPECT_EQ(label.geometry(), QRect(8, 24, 33, 17));
+  EXPECT_EQ(Top(&label), 360);
+  EXPECT_EQ(ScaleHeight(&frame), 1095);
+}
+
 TEST(Caption, LabelsFramesAndWindowsKeepTheTextAsGiven) {
   QWidget window;
   QLabel label(&window);
