@@ -1,0 +1,215 @@
+// frmMain's handlers: start-up, layout, shut-down, the load's window steps and the browser.
+#include "frmMain.h"
+
+#include <algorithm>
+#include <charconv>
+#include <vector>
+
+#include <QCloseEvent>
+#include <QLabel>
+
+#include "controls.h"
+#include "decode.h"
+#include "fileio.h"
+#include "line.h"
+#include "listbox.h"
+#include "listview.h"
+#include "msgbox.h"
+#include "picturebox.h"
+#include "process.h"
+#include "registry.h"
+#include "renderer.h"
+#include "scrollbar.h"
+#include "text.h"
+
+namespace {
+
+constexpr const char kGameKey[] = "SOFTWARE\\FISH Technology Group\\Transport Tycoon Deluxe";
+
+void ShowMessage(const std::string& text) {
+  MsgBox(text);
+}
+
+}  // namespace
+
+bool frmMain::Form_Load() {
+  const std::string programFolder = AppPath.empty() ? ProgramFolder() : AppPath;
+  const std::string gameFolder = GetRegString(HKEY_LOCAL_MACHINE, kGameKey, "HDPath", "");
+  // The game's folder is a Windows one, reached through Wine's drive links. One that cannot be
+  // entered leaves the current directory as it was.
+  if (!gameFolder.empty())
+    ChDir(WineFolderToLinux(gameFolder));
+  else
+    ChDir(programFolder);
+  PaletteFile = JoinPath(programFolder, kPaletteFileName);
+  if (LoadPalette(PaletteFile, Palette) == 0) {
+    MsgBox(kMsgBadPalette, "Error", MsgBoxIcon::Information);
+    Form_Unload();
+    return false;
+  }
+  return true;
+}
+
+void frmMain::Form_Resize() {
+  const int32_t W = ScaleWidth(Client);
+  const int32_t H = ScaleHeight(Client);
+  Hlin->SetX1(W);
+  const auto T = static_cast<int16_t>(Hlin->Y1() + 15);
+  // A move with a negative width or height fails and is skipped.
+  Move(BGpanel, 0, T, Width(BGpanel), H - T);
+  Move(picSprite, Width(BGpanel), T, W - Width(BGpanel), H - T);
+}
+
+void frmMain::BGpanel_Resize() {
+  Move(lvwSprite, Left(lvwSprite), Top(lvwSprite), Width(lvwSprite),
+       ScaleHeight(BGpanel) - Top(lvwSprite));
+}
+
+void frmMain::picSprite_Resize() {
+  Move(scrSprite, ScaleWidth(picSprite) - Width(scrSprite), 0, Width(scrSprite),
+       ScaleHeight(picSprite));
+  DrawSprite(scrSprite->Value());  // with no record nothing is drawn, and nothing is said
+}
+
+void frmMain::Form_Unload() {
+  Store.SpriteData.clear();
+  Store.SpriteTable = {};
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  // A disabled window is in the middle of a load and takes no input, the close button included.
+  if (!isEnabled()) {
+    event->ignore();
+    return;
+  }
+  Form_Unload();
+  event->accept();
+}
+
+bool frmMain::DrawSprite(int16_t Index) {
+  if (!::DrawSprite(picSprite->Image(), Store, Index, Palette, Left(scrSprite),
+                    ScaleHeight(picSprite)))
+    return false;
+  picSprite->Refresh();
+  return true;
+}
+
+void frmMain::AddMessage(const std::string& text) {
+  Li->AddItem(text, 0);
+}
+
+void frmMain::LoadGRF() {
+  if (FileName.empty()) return;
+  int32_t start = GetTickCount();
+  SetCaption(this, "Loading GRF file to memory...");
+  DoEvents();
+
+  FileReadResult file = ReadWholeFile(FileName);
+  if (!file.Ok) {
+    SetCaption(this, ReadFailureText(file.ErrorNumber, file.Description, FileName));
+    return;
+  }
+  const auto length = static_cast<int32_t>(file.Bytes.size());
+  if (length < kMinFileSize) {
+    MsgBox(kMsgTooSmall, "Error", MsgBoxIcon::Exclamation);
+    return;
+  }
+  setEnabled(false);
+
+  SetCaption(this, "Getting number of sprites...");
+  DoEvents();
+  const int16_t counted = CountSprites(file.Bytes.data(), length, ShowMessage);
+
+  SetCaption(this, "Reserving memory (and unloading previous data if any)...");
+  DoEvents();
+  ReserveStore(Store, counted);
+  AddMessage(PreparedMessage(GetTickCount() - start));
+
+  start = GetTickCount();
+  SetCaption(this, "Processing sprites...");
+  DoEvents();
+  std::vector<uint8_t> rowBuffer(kRowBufferSize);
+  const DecodeTotals totals =
+      DecodeSprites(file.Bytes.data(), length, Store, rowBuffer.data(), ShowMessage);
+  AddMessage(LoadedMessage(totals.Count, GetTickCount() - start));
+
+  SetCaption(lblStatus, StatusText(FileName, totals.CompressedTotal, totals.DecodedTotal, length));
+
+  scrSprite->SetMax(static_cast<int16_t>(totals.Count - 1));
+  scrSprite_Change();
+  DoEvents();
+
+  file.Bytes = {};
+  CutStore(Store, totals.WritePosition);
+
+  lvwSprite->Clear();
+  lvwSprite->setVisible(false);
+  const int32_t rows =
+      std::min<int32_t>(totals.Count, static_cast<int32_t>(Store.SpriteTable.size()));
+  for (int32_t i = 1; i <= rows; ++i) {
+    SpriteRowTexts row = SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]);
+    lvwSprite->AddItem(std::move(row.Key),
+                       {std::move(row.Number), std::move(row.Width), std::move(row.Height),
+                        std::move(row.Size), std::move(row.Flags)});
+  }
+  lvwSprite->setVisible(true);
+
+  AddMessage(FileLoadedMessage(FileName));
+  Li->SetListIndex(0);
+  setEnabled(true);
+}
+
+void frmMain::SaveGRF() {}
+
+void frmMain::scrSprite_Change() {
+  const int16_t Value = scrSprite->Value();
+  if (Value < 0 || static_cast<size_t>(Value) >= Store.SpriteTable.size()) {
+    // A file without sprites: a blank picture, no facts, the caption of a window with no file.
+    picSprite->SetBackColor(picSprite->BackColor());
+    picSprite->Refresh();
+    SetCaption(this, kFormCaption);
+    for (QLabel* label : {lblFlags, lblSize, lblCompressed, lblOffset}) SetCaption(label, "-");
+    return;
+  }
+  DrawSprite(Value);
+  const SpriteRecord& r = Store.SpriteTable[static_cast<size_t>(Value)];
+  SetCaption(this, ViewingCaption(Value, r));
+  SetCaption(lblFlags, FlagsText(r));
+  SetCaption(lblSize, std::to_string(r.Size));
+  SetCaption(lblCompressed, std::to_string(r.CompressedSize));
+  SetCaption(lblOffset, OffsetText(r));
+}
+
+void frmMain::scrSprite_Scroll() {
+  scrSprite_Change();
+}
+
+void frmMain::lvwSprite_ItemClick(const ListItem& Item) {
+  // The key is "k" and the sprite's index.
+  int32_t index = 0;
+  const char* first = Item.Key.data() + std::min<size_t>(1, Item.Key.size());
+  const char* last = Item.Key.data() + Item.Key.size();
+  const auto [end, error] = std::from_chars(first, last, index);
+  if (error != std::errc() || end != last || index < 0 || index > INT16_MAX) return;
+  scrSprite->SetValue(static_cast<int16_t>(index));
+}
+
+void frmMain::lvwSprite_ColumnClick(const ColumnHeader& ColumnHeader) {
+  int32_t order = 0;
+  if (lvwSprite->SortKey == ColumnHeader.Index - 1) {
+    order = lvwSprite->SortOrder == 1 ? 0 : 1;
+  } else {
+    lvwSprite->SortKey = static_cast<int16_t>(ColumnHeader.Index - 1);
+    order = 0;
+  }
+  lvwSprite->SortOrder = order;
+  lvwSprite->SetSorted(true);
+  lvwSprite->SetSorted(false);
+}
+
+// The file commands come with their own change; until then the items do nothing.
+void frmMain::mnuNew_Click() {}
+void frmMain::mnuOpen_Click() {}
+void frmMain::mnuSaveAs_Click() {}
+void frmMain::mnuQuit_Click() {}
+void frmMain::mnuChunk_Click() {}

@@ -1,0 +1,111 @@
+// frmMain: the main window. Banner on top, the panel with the sprite's facts, the messages and the
+// sprite list on the left, the picture area with its scroll bar on the right.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <QMainWindow>
+
+#include "grf.h"
+#include "palette.h"
+
+class QAction;
+class QCloseEvent;
+class QGroupBox;
+class QLabel;
+class QMenu;
+class LineControl;
+class ListBox;
+class ListView;
+class PictureBox;
+class ScrollBar;
+struct ColumnHeader;
+struct ListItem;
+
+// The caption of the window until a sprite is shown.
+inline constexpr const char kFormCaption[] = "Vossel (GRF loader engine)";
+
+class frmMain : public QMainWindow {
+  Q_OBJECT
+  Q_PROPERTY(int hWnd READ hWnd)
+
+ public:
+  frmMain();
+  ~frmMain() override;
+
+  int hWnd();
+
+  // The sprite store, the palette and the file of the window.
+  SpriteStore Store;  // SpriteTable and SpriteData
+  PaletteBuffer Palette{};
+  std::string PaletteFile;
+  std::string FileName;
+  // The folder of the program's own file; ProgramFolder() while empty.
+  std::string AppPath;
+
+  // Controls, by their names.
+  PictureBox* Client;  // the window's client area: background colour and banner
+  PictureBox* Grid;
+  PictureBox* BGpanel;
+  ListView* lvwSprite;
+  ListBox* Li;
+  QGroupBox* Frame;
+  QLabel* Label2;
+  QLabel* lblFlags;
+  QLabel* Label5;
+  QLabel* lblOffset;
+  QLabel* Label3;
+  QLabel* lblSize;
+  QLabel* Label4;
+  QLabel* lblCompressed;
+  QLabel* lblT;
+  PictureBox* picSprite;
+  ScrollBar* scrSprite;
+  LineControl* Hlin;
+  QLabel* lblStatus;
+
+  QMenu* mnuFile;
+  QAction* mnuNew;
+  QAction* mnuOpen;
+  QAction* mnuSave;
+  QAction* mnuSaveAs;
+  QAction* mnuLine1;
+  QAction* mnuQuit;
+  QMenu* mnuView;
+  QAction* mnuViewGrid;
+  QMenu* mnuTools;
+  QAction* mnuChunk;
+
+  // Runs once before the window is first shown. False when the palette was refused: the window
+  // has then been unloaded and must not be shown.
+  bool Form_Load();
+  void Form_Resize();
+  void Form_Unload();
+  void BGpanel_Resize();
+  void picSprite_Resize();
+
+  // False, with the picture as it was, when SpriteTable holds no record at Index.
+  bool DrawSprite(int16_t Index);
+  void LoadGRF();
+  void SaveGRF();
+
+  void scrSprite_Change();
+  void scrSprite_Scroll();
+  void lvwSprite_ItemClick(const ListItem& Item);
+  void lvwSprite_ColumnClick(const ColumnHeader& ColumnHeader);
+
+  void mnuNew_Click();
+  void mnuOpen_Click();
+  void mnuSaveAs_Click();
+  void mnuQuit_Click();
+  void mnuChunk_Click();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildControls();
+  void BuildMenus();
+  void AddMessage(const std::string& text);
+};
