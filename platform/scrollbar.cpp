@@ -45,32 +45,20 @@ void ScrollBar::DragEnded() {
 }
 
 void ScrollBar::keyPressEvent(QKeyEvent* event) {
-  SliderAction action = SliderNoAction;
-  switch (event->key()) {
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-      action = SliderSingleStepSub;
-      break;
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-      action = SliderSingleStepAdd;
-      break;
-    case Qt::Key_PageUp:
-      action = SliderPageStepSub;
-      break;
-    case Qt::Key_PageDown:
-      action = SliderPageStepAdd;
-      break;
-    case Qt::Key_Home:
-      action = SliderToMinimum;
-      break;
-    case Qt::Key_End:
-      action = SliderToMaximum;
-      break;
-    default:
-      QScrollBar::keyPressEvent(event);
-      return;
+  static constexpr struct {
+    int Key;
+    SliderAction Action;
+  } kKeys[] = {
+      {Qt::Key_Left, SliderSingleStepSub},  {Qt::Key_Up, SliderSingleStepSub},
+      {Qt::Key_Right, SliderSingleStepAdd}, {Qt::Key_Down, SliderSingleStepAdd},
+      {Qt::Key_PageUp, SliderPageStepSub},  {Qt::Key_PageDown, SliderPageStepAdd},
+      {Qt::Key_Home, SliderToMinimum},      {Qt::Key_End, SliderToMaximum},
+  };
+  for (const auto& k : kKeys) {
+    if (k.Key != event->key()) continue;
+    triggerAction(k.Action);
+    event->accept();
+    return;
   }
-  triggerAction(action);
-  event->accept();
+  QScrollBar::keyPressEvent(event);
 }
