@@ -9,7 +9,6 @@
 #include <QLabel>
 
 #include "controls.h"
-#include "decode.h"
 #include "fileio.h"
 #include "line.h"
 #include "listbox.h"
