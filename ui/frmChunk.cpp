@@ -1,0 +1,190 @@
+// frmChunk's design and handlers: Open with the scan, Close, and the chunk list of the sprite that
+// the scroll bar stands on.
+#include "frmChunk.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPalette>
+#include <QPointer>
+
+#include "controls.h"
+#include "filedialog.h"
+#include "hwnd.h"
+#include "listbox.h"
+#include "msgbox.h"
+#include "picturebox.h"
+#include "process.h"
+#include "scrollbar.h"
+
+namespace {
+
+constexpr int32_t kClientWidth = 9615;   // 641 pixels
+constexpr int32_t kClientHeight = 6255;  // 417 pixels
+
+constexpr const char kOpenTitle[] = "Open a GRF file...";
+constexpr const char kGrfFilter[] = "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
+
+QLabel* NewLabel(QWidget* container, const char* caption, int32_t left, int32_t top, int32_t width,
+                 int32_t height, Qt::Alignment alignment) {
+  auto* label = new QLabel(container);
+  Move(label, left, top, width, height);
+  label->setAlignment(alignment | Qt::AlignTop);
+  SetCaption(label, caption);
+  return label;
+}
+
+}  // namespace
+
+frmChunk::frmChunk() {
+  // A fixed single border: a title with the close box only.
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                 Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                 Qt::MSWindowsFixedSizeDialogHint);
+  setFont(WindowsFont("Tahoma", 8.25));
+  BuildForm();
+}
+
+frmChunk::~frmChunk() = default;
+
+int frmChunk::hWnd() {
+  return HandleOfWindow(this);
+}
+
+void frmChunk::BuildForm() {
+  ++fillNumber_;
+  SetCaption(this, kChunkCaption);
+
+  // A new menu bar and client area; Qt disposes of the earlier ones once events run again, so a
+  // handler of theirs that is still on the stack returns into live objects.
+  auto* bar = new QMenuBar(this);
+  mnuFile = bar->addMenu(QStringLiteral("&File"));
+  mnuOpen = mnuFile->addAction(QStringLiteral("&Open..."));
+  mnuOpen->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+  mnuLine1 = mnuFile->addSeparator();
+  mnuClose = mnuFile->addAction(QStringLiteral("&Close Chunk Viewer"));
+  setMenuBar(bar);
+  connect(mnuOpen, &QAction::triggered, this, [this] { mnuOpen_Click(); });
+  connect(mnuClose, &QAction::triggered, this, [this] { mnuClose_Click(); });
+
+  auto* client = new QWidget(this);
+  setCentralWidget(client);
+
+  // Made in tab order, which the focus chain follows; labels and Pi take no focus.
+  Li = new ListBox(client);
+  Move(Li, 120, 480, 9375, 5325);
+  Li->setFocusPolicy(Qt::StrongFocus);
+
+  lblFilename = NewLabel(client, "No file opened", 120, 120, 9375, 255, Qt::AlignLeft);
+
+  scrSprite = new ScrollBar(Qt::Horizontal, client);
+  Move(scrSprite, 120, 5880, 8895, 255);
+  scrSprite->setFocusPolicy(Qt::ClickFocus);
+  scrSprite->Change = [this] { scrSprite_Change(); };
+  scrSprite->Scroll = [this] { scrSprite_Scroll(); };
+
+  lblSprite = NewLabel(client, "1", 9000, 5880, 495, 255, Qt::AlignRight);
+
+  // The blank panel that shows in Li's place while Li is hidden during a fill.
+  Pi = new PictureBox(client, true);
+  Move(Pi, 120, 480, 9375, 5325);
+  Pi->SetBackColor(BgrOfColour(QApplication::palette().color(QPalette::Base)));
+  Pi->setFocusPolicy(Qt::NoFocus);
+  Pi->stackUnder(Li);
+
+  // The client area at its design size below the menu bar, and no other size.
+  const int32_t w = kClientWidth / kTwipsPerPixel;
+  setFixedSize(w, kClientHeight / kTwipsPerPixel + bar->heightForWidth(w));
+}
+
+void frmChunk::ShowModal() {
+  BuildForm();
+  setWindowModality(Qt::ApplicationModal);
+  QEventLoop loop;
+  QEventLoop* outer = modalLoop_;
+  modalLoop_ = &loop;
+  show();
+  // A close before the loop runs (from a handler that show() let through) has nothing to wait for.
+  if (isVisible()) loop.exec();
+  modalLoop_ = outer;
+}
+
+void frmChunk::closeEvent(QCloseEvent* event) {
+  Form_Unload();
+  event->accept();
+  if (modalLoop_ != nullptr) modalLoop_->quit();
+}
+
+void frmChunk::Form_Unload() {
+  ++fillNumber_;
+  EraseChunkScan(Scan);
+  SpriteMax = -1;
+}
+
+void frmChunk::mnuOpen_Click() {
+  if (!FileDialog) FileDialog = std::make_unique<clsFileDialog>();
+  FileDialog->InitialDirectory(CurDir());
+  FileDialog->ObjectOwner(this);
+  FileDialog->WindowTitle(kOpenTitle);
+  FileDialog->Filter(kGrfFilter);
+  FileDialog->Flags(OFN_HIDEREADONLY);
+  if (FileDialog->FileOpen(FileName)) ScanGRF();
+}
+
+void frmChunk::mnuClose_Click() {
+  close();
+}
+
+void frmChunk::ScanGRF() {
+  const ScanOutcome outcome = ::ScanGRF(FileName, Scan);
+  switch (outcome.End) {
+    case ScanEnd::ReadFailure:
+      // Nothing else in the viewer sets the title, so it stays until the window closes.
+      SetCaption(this, outcome.Message);
+      return;
+    case ScanEnd::TooSmall:
+      MsgBox(outcome.Message, "Error", MsgBoxIcon::Exclamation);
+      return;
+    case ScanEnd::InvalidStream:
+      MsgBox(outcome.Message);
+      break;
+    case ScanEnd::Complete:
+      break;
+  }
+  SpriteMax = static_cast<int16_t>(outcome.Count - 1);
+  scrSprite->SetMax(SpriteMax);
+  // The list lets events run; a Close or a new showing then may have replaced the label.
+  const QPointer<QLabel> label = lblFilename;
+  scrSprite_Change();
+  if (label) SetCaption(label, FileName);
+}
+
+void frmChunk::scrSprite_Change() {
+  const int16_t v = scrSprite->Value();
+  SetCaption(lblSprite, std::to_string(v + 1));
+  const uint32_t fill = ++fillNumber_;
+  Li->Clear();
+  Li->setVisible(false);
+  ChunkCursor cursor = StartChunkList(Scan, v <= SpriteMax ? v : -1);
+  ChunkLine line;
+  while (!cursor.Done) {
+    if (!cursor.Action) {
+      DoEvents();
+      // A newer position, a scan or a close has taken the list over: this fill adds nothing more.
+      if (fill != fillNumber_) return;
+    }
+    if (!NextChunkLine(Scan, cursor, line)) break;
+    Li->AddItem(line.Text);
+    Li->SetItemData(Li->NewIndex(), line.ItemData);
+  }
+  Li->setVisible(true);
+}
+
+void frmChunk::scrSprite_Scroll() {
+  scrSprite_Change();
+}

@@ -1,0 +1,76 @@
+// frmChunk: the chunk viewer. A second, modal window with its own file, dialog and tables; a
+// scroll bar chooses a sprite and the list shows how that sprite is stored, chunk by chunk.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <QMainWindow>
+
+#include "chunks.h"
+
+class QAction;
+class QCloseEvent;
+class QEventLoop;
+class QLabel;
+class QMenu;
+class ListBox;
+class PictureBox;
+class ScrollBar;
+class clsFileDialog;
+
+// The window's title at every showing.
+inline constexpr const char kChunkCaption[] = "Vossel - Chunk Viewer";
+
+class frmChunk : public QMainWindow {
+  Q_OBJECT
+  Q_PROPERTY(int hWnd READ hWnd)
+
+ public:
+  frmChunk();
+  ~frmChunk() override;
+
+  int hWnd();
+
+  // Builds the controls anew with their design values, shows the window application-modal and
+  // returns when it has closed. The object lives on: FileDialog and FileName carry over.
+  void ShowModal();
+  // The controls, the menu and the title as they are designed, replacing any earlier ones.
+  void BuildForm();
+
+  std::string FileName;
+  ChunkScan Scan;  // FileData, SpriteOffset, SpriteSize, SpriteFlags, FileLength
+  std::unique_ptr<clsFileDialog> FileDialog;
+  // The highest sprite index the last usable scan offered: Count - 1, so -1 when it found none.
+  // The scroll bar cannot go below 0; positions above this list nothing.
+  int16_t SpriteMax = -1;
+
+  // Controls, by their names.
+  QLabel* lblFilename = nullptr;
+  PictureBox* Pi = nullptr;
+  ListBox* Li = nullptr;
+  ScrollBar* scrSprite = nullptr;
+  QLabel* lblSprite = nullptr;
+
+  QMenu* mnuFile = nullptr;
+  QAction* mnuOpen = nullptr;
+  QAction* mnuLine1 = nullptr;
+  QAction* mnuClose = nullptr;
+
+  void ScanGRF();
+  void Form_Unload();
+  void scrSprite_Change();
+  void scrSprite_Scroll();
+  void mnuOpen_Click();
+  void mnuClose_Click();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  // Raised by every fill that starts, by Form_Unload and by BuildForm: a fill that sees it move
+  // while events run has been overtaken and leaves the list to whoever moved it.
+  uint32_t fillNumber_ = 0;
+  QEventLoop* modalLoop_ = nullptr;
+};
