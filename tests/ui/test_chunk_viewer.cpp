@@ -30,6 +30,7 @@
 #include "picturebox.h"
 #include "process.h"
 #include "scrollbar.h"
+#include "text.h"
 
 using grfw::Bytes;
 using namespace std::string_literals;
@@ -38,16 +39,10 @@ namespace {
 
 using Line = std::pair<int32_t, std::string>;  // ItemData and text
 
-const char kOutOfBuffer[] = "Error! Out of buffer size!";
-const char kTooSmall[] =
-    "File is too small to be loaded. File must contain atleast one non-action sprite size of 1 "
-    "pixel.";
-
 // The worked example's record without its zero word: 15 bytes, stream at 10, decoded size 4.
 Bytes WorkedRecord() {
-  Bytes b = grfw::SeventeenByteFile();
-  b.resize(15);
-  return b;
+  const Bytes file = grfw::SeventeenByteFile();
+  return Bytes(file.begin(), file.end() - 2);
 }
 
 // The worked example's two lines for a record that starts at `p`.
@@ -355,7 +350,7 @@ TEST_F(ChunkViewer, InvalidStreamShowsItsBoxAndKeepsTheSpritesBeforeIt) {
   const std::string path = OpenBytes(
       "invalid.grf",
       grfw::File({WorkedRecord(), WorkedRecord(), Walked({0x02, 1, 2}, 1), WorkedRecord()}));
-  EXPECT_EQ(boxes, (std::vector<Shown>{{kOutOfBuffer, "Vossel", MsgBoxIcon::None}}));
+  EXPECT_EQ(boxes, (std::vector<Shown>{{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}}));
   EXPECT_EQ(form.scrSprite->Max(), 1);
   EXPECT_EQ(form.scrSprite->Value(), 1);
   EXPECT_EQ(Lines(), WorkedLines(15));
@@ -393,7 +388,7 @@ TEST_F(ChunkViewer, TooSmallFileLeavesTheListAndLabels) {
   const std::string path = OpenBytes("three.grf", WorkedFile(3));
   form.scrSprite->SetValue(2);
   OpenBytes("sixteen.grf", Bytes(16, 0x7F));
-  EXPECT_EQ(boxes, (std::vector<Shown>{{kTooSmall, "Error", MsgBoxIcon::Exclamation}}));
+  EXPECT_EQ(boxes, (std::vector<Shown>{{kMsgTooSmall, "Error", MsgBoxIcon::Exclamation}}));
   EXPECT_EQ(Lines(), WorkedLines(30));
   EXPECT_EQ(Caption(form.lblFilename), path);
   EXPECT_EQ(Caption(form.lblSprite), "3");
