@@ -60,8 +60,8 @@ void frmChunk::BuildForm() {
   ++fillNumber_;
   SetCaption(this, kChunkCaption);
 
-  // A new menu bar and client area; Qt disposes of the earlier ones once events run again, so a
-  // handler of theirs that is still on the stack returns into live objects.
+  // A new menu bar and client area. Qt deletes the earlier ones later, not here, since a handler
+  // of theirs may still be on the stack.
   auto* bar = new QMenuBar(this);
   mnuFile = bar->addMenu(QStringLiteral("&File"));
   mnuOpen = mnuFile->addAction(QStringLiteral("&Open..."));
