@@ -12,20 +12,22 @@ std::string FormatFixed2(double value) {
   const unsigned long long magnitude = hundredths < 0
                                            ? 0ULL - static_cast<unsigned long long>(hundredths)
                                            : static_cast<unsigned long long>(hundredths);
-  std::string text = std::to_string(magnitude / 100);
+  std::string text = hundredths < 0 ? "-" : "";
+  text += std::to_string(magnitude / 100);
   const unsigned fraction = static_cast<unsigned>(magnitude % 100);
   text += '.';
   text += static_cast<char>('0' + fraction / 10);
   text += static_cast<char>('0' + fraction % 10);
-  return hundredths < 0 ? "-" + text : text;
+  return text;
 }
 
 std::string FormatZeroFilled(int32_t value, int digits) {
   const int64_t wide = value;
-  std::string text = std::to_string(wide < 0 ? -wide : wide);
-  if (static_cast<int>(text.size()) < digits)
-    text.insert(0, static_cast<size_t>(digits) - text.size(), '0');
-  return wide < 0 ? "-" + text : text;
+  const std::string digitsText = std::to_string(wide < 0 ? -wide : wide);
+  std::string text = wide < 0 ? "-" : "";
+  if (static_cast<int>(digitsText.size()) < digits)
+    text.append(static_cast<size_t>(digits) - digitsText.size(), '0');
+  return text + digitsText;
 }
 
 std::string SecondsText(int32_t ticks) {
@@ -85,7 +87,8 @@ std::string ReadFailureText(int32_t number, const std::string& description,
 
 SpriteRowTexts SpriteRow(int32_t index, const SpriteRecord& r) {
   SpriteRowTexts row;
-  row.Key = "k" + std::to_string(index);
+  row.Key = 'k';
+  row.Key += std::to_string(index);
   row.Number = FormatZeroFilled(index + 1, 4);
   row.Width = FormatZeroFilled(r.Width, 3);
   row.Height = FormatZeroFilled(r.Height, 3);
