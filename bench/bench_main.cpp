@@ -2,6 +2,7 @@
 // straightforward reference decoder on the same files to compare the loader with.
 #include <benchmark/benchmark.h>
 
+#include <QApplication>
 #include <QImage>
 
 #include "bench_files.h"
@@ -78,12 +79,20 @@ BENCHMARK(BM_ChunkList128)->Name("chunks/128")->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
+void RegisterWindowCases();
+void CloseWindowCases();
+
 int main(int argc, char** argv) {
+  // The window cases run on Qt's offscreen platform unless a display is asked for.
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication app(argc, argv);
+  RegisterWindowCases();
   for (BenchFile& f : RealBenchFiles()) RegisterFileCases(f.Name, std::move(f.Bytes));
   RegisterFileCases("limits", LimitsFile());
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
+  CloseWindowCases();
   return 0;
 }
