@@ -1,4 +1,5 @@
-// frmMain's handlers: start-up, layout, shut-down, the load's window steps and the browser.
+// frmMain's handlers: start-up, layout, shut-down, the load's window steps, the browser and the
+// file commands.
 #include "frmMain.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@
 namespace {
 
 constexpr const char kGameKey[] = "SOFTWARE\\FISH Technology Group\\Transport Tycoon Deluxe";
+constexpr const char kGrfFilter[] = "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
 
 void ShowMessage(const std::string& text) {
   MsgBox(text);
@@ -71,6 +73,10 @@ void frmMain::picSprite_Resize() {
 }
 
 void frmMain::Form_Unload() {
+  EraseStores();
+}
+
+void frmMain::EraseStores() {
   Store.SpriteData.clear();
   Store.SpriteTable = {};
 }
@@ -206,9 +212,46 @@ void frmMain::lvwSprite_ColumnClick(const ColumnHeader& ColumnHeader) {
   lvwSprite->SetSorted(false);
 }
 
-// The file commands come with their own change; until then the items do nothing.
-void frmMain::mnuNew_Click() {}
-void frmMain::mnuOpen_Click() {}
-void frmMain::mnuSaveAs_Click() {}
-void frmMain::mnuQuit_Click() {}
-void frmMain::mnuChunk_Click() {}
+void frmMain::mnuNew_Click() {
+  picSprite->SetBackColor(picSprite->BackColor());
+  // Setting the maximum pulls the value to 0 without a change event, so sprite 0 is not shown
+  // here and nothing runs on the stores once they are erased below.
+  scrSprite->SetMax(0);
+  for (QLabel* label : {lblFlags, lblOffset, lblSize, lblCompressed}) SetCaption(label, "-");
+  SetCaption(lblStatus, "No file loaded");
+  EraseStores();
+  lvwSprite->Clear();
+  Li->AddItem("*** File closed ***", 0);
+  Li->SetListIndex(0);
+}
+
+void frmMain::PrepareFileDialog() {
+  if (!FileDialog) FileDialog = std::make_unique<clsFileDialog>();
+  FileDialog->InitialDirectory(CurDir());
+  FileDialog->ObjectOwner(this);
+}
+
+void frmMain::mnuOpen_Click() {
+  PrepareFileDialog();
+  FileDialog->WindowTitle("Open a GRF file...");
+  FileDialog->Filter(kGrfFilter);
+  FileDialog->Flags(OFN_HIDEREADONLY);
+  if (FileDialog->FileOpen(FileName)) LoadGRF();
+}
+
+// Unreachable while mnuSaveAs stays disabled; nothing is written.
+void frmMain::mnuSaveAs_Click() {
+  PrepareFileDialog();
+  FileDialog->WindowTitle("Save a GRF file as...");
+  FileDialog->Filter(kGrfFilter);
+  if (FileDialog->FileSave(FileName)) SaveGRF();
+}
+
+void frmMain::mnuQuit_Click() {
+  close();
+}
+
+void frmMain::mnuChunk_Click() {
+  if (!ChunkViewer) ChunkViewer = std::make_unique<frmChunk>();
+  ChunkViewer->ShowModal();
+}

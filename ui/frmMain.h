@@ -3,10 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include <QMainWindow>
 
+#include "filedialog.h"
+#include "frmChunk.h"
 #include "grf.h"
 #include "palette.h"
 
@@ -43,6 +46,10 @@ class frmMain : public QMainWindow {
   std::string FileName;
   // The folder of the program's own file; ProgramFolder() while empty.
   std::string AppPath;
+  // Made by the first Open or Save As and kept, so that what one dialog leaves the next one sees.
+  std::unique_ptr<clsFileDialog> FileDialog;
+  // The chunk viewer, made by its first showing and kept until the program ends.
+  std::unique_ptr<frmChunk> ChunkViewer;
 
   // Controls, by their names.
   PictureBox* Client;  // the window's client area: background colour and banner
@@ -107,5 +114,8 @@ class frmMain : public QMainWindow {
  private:
   void BuildControls();
   void BuildMenus();
+  void EraseStores();
+  // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
+  void PrepareFileDialog();
   void AddMessage(const std::string& text);
 };
