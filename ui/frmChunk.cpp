@@ -15,6 +15,7 @@
 
 #include "controls.h"
 #include "filedialog.h"
+#include "grfdialog.h"
 #include "hwnd.h"
 #include "listbox.h"
 #include "msgbox.h"
@@ -26,9 +27,6 @@ namespace {
 
 constexpr int32_t kClientWidth = 9615;   // 641 pixels
 constexpr int32_t kClientHeight = 6255;  // 417 pixels
-
-constexpr const char kOpenTitle[] = "Open a GRF file...";
-constexpr const char kGrfFilter[] = "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
 
 QLabel* NewLabel(QWidget* container, const char* caption, int32_t left, int32_t top, int32_t width,
                  int32_t height, Qt::Alignment alignment) {

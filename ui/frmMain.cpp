@@ -11,6 +11,7 @@
 
 #include "controls.h"
 #include "fileio.h"
+#include "grfdialog.h"
 #include "line.h"
 #include "listbox.h"
 #include "listview.h"
@@ -25,7 +26,6 @@
 namespace {
 
 constexpr const char kGameKey[] = "SOFTWARE\\FISH Technology Group\\Transport Tycoon Deluxe";
-constexpr const char kGrfFilter[] = "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
 
 void ShowMessage(const std::string& text) {
   MsgBox(text);
@@ -233,7 +233,7 @@ void frmMain::PrepareFileDialog() {
 
 void frmMain::mnuOpen_Click() {
   PrepareFileDialog();
-  FileDialog->WindowTitle("Open a GRF file...");
+  FileDialog->WindowTitle(kOpenTitle);
   FileDialog->Filter(kGrfFilter);
   FileDialog->Flags(OFN_HIDEREADONLY);
   if (FileDialog->FileOpen(FileName)) LoadGRF();
