@@ -153,18 +153,15 @@ inline Bytes RunSprite(uint16_t width, const std::vector<std::vector<Run>>& rows
 }
 
 // A whole file: the records one behind the other, with the closing zero word if asked.
-inline Bytes File(std::initializer_list<Bytes> records, bool zeroWord = true) {
+inline Bytes FileOf(const std::vector<Bytes>& records, bool zeroWord = true) {
   Bytes f;
   for (const Bytes& r : records) Append(f, r);
   if (zeroWord) PutWord(f, 0);
   return f;
 }
 
-inline Bytes FileOf(const std::vector<Bytes>& records, bool zeroWord = true) {
-  Bytes f;
-  for (const Bytes& r : records) Append(f, r);
-  if (zeroWord) PutWord(f, 0);
-  return f;
+inline Bytes File(std::initializer_list<Bytes> records, bool zeroWord = true) {
+  return FileOf(std::vector<Bytes>(records), zeroWord);
 }
 
 // The 17-byte file of the format's first worked example.
