@@ -59,16 +59,22 @@ inline void CopyUpTo16(uint8_t* to, const uint8_t* from, int32_t n) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(to),
                    _mm_or_si128(_mm_and_si128(mask, fresh), _mm_andnot_si128(mask, kept)));
 }
+
+// The same where the 16 bytes at `to` are known to hold zero: nothing needs reading back, so the
+// block does not wait for the stores before it.
+inline void CopyUpTo16OverZero(uint8_t* to, const uint8_t* from, int32_t n) {
+  const __m128i mask = _mm_load_si128(reinterpret_cast<const __m128i*>(kMasks.Bytes[n]));
+  const __m128i fresh = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_and_si128(mask, fresh));
+}
 #else
 inline void CopyUpTo16(uint8_t* to, const uint8_t* from, int32_t n) {
   CopyBytes(to, from, n);
 }
+inline void CopyUpTo16OverZero(uint8_t* to, const uint8_t* from, int32_t n) {
+  CopyBytes(to, from, n);
+}
 #endif
-
-// Margins of the fast region: a chunk reads at most 129 file bytes and writes at most 128, and a
-// block may read and write back up to 16 bytes in all.
-constexpr int32_t kFastFileMargin = 129 + 16;
-constexpr int32_t kFastOutMargin = 128 + 16;
 
 // A row-table entry: two bytes, low first, read as a signed 16-bit number.
 inline int32_t RowTableEntry(const uint8_t* rowBuffer, int32_t row) {
@@ -79,53 +85,31 @@ inline int32_t RowTableEntry(const uint8_t* rowBuffer, int32_t row) {
 }  // namespace
 
 DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
-                          uint8_t* target, int32_t targetCapacity, int32_t& outPos,
-                          int32_t endPos) {
+                          uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos,
+                          int32_t zeroFrom) {
   int32_t rp = readPos;
   int32_t op = outPos;
-  // Fast region: while every chunk's reads lie in the file and its writes before the end
-  // position (which the caller keeps inside the target), no chunk needs a check. Copies go in
-  // blocks but write exactly their chunk's bytes: a chunk of distance 0 leaves the bytes it covers
-  // as they were, so nothing may be written ahead of the chunk being decoded.
-  if (op >= 0 && rp >= 0 && endPos <= targetCapacity) {
-    while (endPos - op >= kFastOutMargin && fileLength - rp >= kFastFileMargin) {
-      const uint8_t c = file[rp];
-      const bool data = c < 128;
-      // Worked out rather than looked up: a table load would lengthen the chain from one control
-      // byte to the next.
-      const int32_t n = data ? (c == 0 ? 128 : c) : 32 - (c >> 3);
-      const int32_t distance = ((c & 7) << 8) | file[rp + 1];  // an offset chunk's only
-      const int32_t back = op - distance;
-      uint8_t* out = target + op;
-      // Most chunks are data chunks of up to 16 bytes, or offset chunks that do not overlap their
-      // own output (n <= distance): one block each, from a source chosen without a branch.
-      if (data ? n <= 16 : back >= 0 && n <= distance) {
-        CopyUpTo16(out, data ? file + rp + 1 : target + (data ? op : back), n);
-      } else if (data) {
-        CopyBytes(out, file + rp + 1, n);
-      } else if (back < 0) {
-        break;  // the careful loop below reads zeros before the target's start
-      } else if (distance >= 8) {
-        // Overlapping its own output (n > distance >= 8): the second block reads only bytes the
-        // first has written.
-        Copy8(out, target + back);
-        Copy8(out + n - 8, target + back + n - 8);
-      } else if (distance == 1) {
-        std::memset(out, target[back], static_cast<size_t>(n));
-      } else {
-        for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
-      }
-      rp += data ? n + 1 : 2;
-      op += n;
-    }
-  }
+  // Every copy gives exactly its chunk's bytes: a chunk of distance 0 leaves the bytes it covers
+  // as they were, so nothing ahead of the chunk being decoded may change. A 16-byte block is used
+  // only where all its bytes lie inside the file and before both the end position and the
+  // target's end; it writes back the bytes behind the chunk as they were, or as zero from
+  // zeroFrom on, where they are known to be zero.
+  const int32_t blockEnd = std::min(endPos, targetCapacity) - 16;
+  const int32_t fileBlockEnd = fileLength - 17;
   DecodeResult result = DecodeResult::Finished;
+  if (rp < 0 || op < 0) {
+    if (op != endPos) result = DecodeResult::Truncated;
+    readPos = rp;
+    outPos = op;
+    return result;
+  }
   while (op != endPos) {
-    if (rp < 0 || rp >= fileLength || op < 0) {
+    if (rp >= fileLength) {
       result = DecodeResult::Truncated;
       break;
     }
     const uint8_t c = file[rp];
+    uint8_t* out = target + op;
     int32_t n;
     if (c < 128) {
       n = c == 0 ? 128 : c;
@@ -139,7 +123,15 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         result = DecodeResult::Overrun;
         break;
       }
-      CopyBytes(target + op, file + rp + 1, n);
+      if (n <= 16 && op <= blockEnd && rp <= fileBlockEnd) {
+        if (op >= zeroFrom) {
+          CopyUpTo16OverZero(out, file + rp + 1, n);
+        } else {
+          CopyUpTo16(out, file + rp + 1, n);
+        }
+      } else {
+        CopyBytes(out, file + rp + 1, n);
+      }
       rp += n + 1;
     } else {
       if (rp + 1 >= fileLength) {
@@ -152,15 +144,28 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         result = DecodeResult::Overrun;
         break;
       }
-      // One byte at a time in rising order, so that an overlapping copy repeats what it has just
-      // written. Bytes before the target's start read as zero.
-      uint8_t* out = target + op;
+      // The copy rule goes one byte at a time in rising order, so that an overlapping copy repeats
+      // what it has just written; the blocks below give the same bytes.
       const int32_t back = op - distance;
-      if (back >= 0) {
-        const uint8_t* from = target + back;
-        for (int32_t i = 0; i < n; ++i) out[i] = from[i];
-      } else {
+      if (back < 0) {
+        // Bytes before the target's start read as zero.
         for (int32_t i = 0; i < n; ++i) out[i] = back + i >= 0 ? target[back + i] : 0;
+      } else if (n <= distance) {
+        if (op <= blockEnd && op >= zeroFrom) {
+          CopyUpTo16OverZero(out, target + back, n);
+        } else if (op <= blockEnd) {
+          CopyUpTo16(out, target + back, n);
+        } else {
+          CopyBytes(out, target + back, n);
+        }
+      } else if (distance >= 8) {
+        // The second block reads only bytes the first has written.
+        Copy8(out, target + back);
+        Copy8(out + n - 8, target + back + n - 8);
+      } else if (distance == 1) {
+        std::memset(out, target[back], static_cast<size_t>(n));
+      } else {
+        for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
       }
       rp += 2;
     }
@@ -179,15 +184,17 @@ namespace {
 
 // Places the runs of the decoded stream in rowBuffer into the sprite's cells at spriteData[write].
 // Only a run's start is tested against the sprite, so a long run goes on into the next row's cells
-// (and past the sprite's end); the copy itself is cut at the ends of both buffers.
-void PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* spriteData,
-               int32_t capacity, int32_t write) {
+// (and past the sprite's end); the copy itself is cut at the ends of both buffers. Returns the end
+// of the furthest write.
+int32_t PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* spriteData,
+                  int32_t capacity, int32_t write) {
   const int32_t size = entry.Size;
   const int32_t width = entry.Width;
   const int32_t height = entry.Height;
   // An entry with a high byte of 128 or more reads as negative and ends the placement. Row starts
   // are worked out in 32 bits, so a sprite whose rows pass 32,767 cells is still placed whole.
   int32_t runPos = RowTableEntry(rowBuffer, 0);
+  int32_t furthest = write;
   int32_t row = 0;
   int32_t rowStart = 0;
   for (;;) {
@@ -198,7 +205,9 @@ void PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* spr
     const int32_t cell = rowStart + skip;
     if (cell > size - 1) break;
     const int32_t room = std::min(kRowBufferSize - (runPos + 2), capacity - (write + cell));
-    CopyBytes(spriteData + write + cell, rowBuffer + runPos + 2, std::min(n, room));
+    const int32_t copied = std::min(n, room);
+    CopyBytes(spriteData + write + cell, rowBuffer + runPos + 2, copied);
+    furthest = std::max(furthest, write + cell + copied);
     runPos += n + 2;
     if ((header & 0x80) == 0) continue;
     ++row;
@@ -206,6 +215,7 @@ void PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* spr
     runPos = RowTableEntry(rowBuffer, row);
     rowStart = row * width;
   }
+  return furthest;
 }
 
 }  // namespace
@@ -213,22 +223,24 @@ void PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* spr
 DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
-                          uint8_t* rowBuffer) {
+                          uint8_t* rowBuffer, ZeroMarks& marks) {
   // A sprite whose cells would not fit the store (or a negative size from a width of 32,768 and
   // more) is not taken in: the same end as a stream that passes its size.
   if (entry.Size < 0 || entry.Size > capacity - writePos) return DecodeResult::Overrun;
   if ((flags & kRunFormFlag) == 0) {
     int32_t out = writePos;
-    const DecodeResult result =
-        DecodeStream(file, fileLength, readPos, spriteData, capacity, out, writePos + entry.Size);
+    const DecodeResult result = DecodeStream(file, fileLength, readPos, spriteData, capacity, out,
+                                             writePos + entry.Size, marks.Data);
+    marks.Data = std::max(marks.Data, out);
     writePos = out;
     return result;
   }
   int32_t out = 0;
-  const DecodeResult result =
-      DecodeStream(file, fileLength, readPos, rowBuffer, kRowBufferSize, out, streamSize);
+  const DecodeResult result = DecodeStream(file, fileLength, readPos, rowBuffer, kRowBufferSize,
+                                           out, streamSize, marks.Rows);
+  marks.Rows = std::max(marks.Rows, out);
   if (result != DecodeResult::Finished) return result;
-  PlaceRuns(rowBuffer, entry, spriteData, capacity, writePos);
+  marks.Data = std::max(marks.Data, PlaceRuns(rowBuffer, entry, spriteData, capacity, writePos));
   writePos += entry.Size;
   return result;
 }

@@ -17,8 +17,17 @@ constexpr int32_t kBlockMoveThreshold = 48;
 
 // Expands chunks from file[readPos] into target[outPos] until outPos reaches endPos. Both positions
 // are advanced for the caller. Offset chunks whose distance reaches before target[0] copy zeros.
+// Target bytes from zeroFrom on must hold zero.
 DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
-                          uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos);
+                          uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos,
+                          int32_t zeroFrom = INT32_MAX);
+
+// How far the two targets of the decoding pass have been written: from these positions on, the
+// bytes of SpriteData and of the row buffer still hold zero.
+struct ZeroMarks {
+  int32_t Data = 0;
+  int32_t Rows = 0;
+};
 
 // Decodes one non-action sprite whose Width, Height and Size are filled. `streamSize` is L - 8,
 // used by the run route; it is held in 32 bits because L - 8 of the words 0x8000 to 0x8007 does not
@@ -26,4 +35,4 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
 DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
-                          uint8_t* rowBuffer);
+                          uint8_t* rowBuffer, ZeroMarks& marks);

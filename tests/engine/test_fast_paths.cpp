@@ -111,3 +111,25 @@ TEST(FastPaths, RandomStreamsGiveTheReferenceBytes) {
     ExpectSameAsReference(grfw::FileOf(records), "round " + std::to_string(round));
   }
 }
+
+TEST(FastPaths, DistanceZeroShowsWhatEarlierSpritesLeft) {
+  // A run that spills 38 bytes past its 2 x 1 sprite, then a plain sprite whose second chunk, of
+  // distance 0, keeps 15 of those bytes: a block written over them would show zeros instead.
+  Bytes plain;
+  grfw::AddData(plain, {1});
+  grfw::AddOffset(plain, 15, 0);
+  grfw::AddData(plain, Bytes(24, 2));
+  // Two run-form sprites: the second's stream keeps 30 bytes the first left in the row buffer.
+  Bytes rows;
+  grfw::AddData(rows, {0x02, 0x00, 0x80 | 30, 0x00});
+  grfw::AddOffset(rows, 15, 0);
+  grfw::AddOffset(rows, 15, 0);
+  const Bytes file = grfw::File(
+      {grfw::RunSprite(2, {{{0, Bytes(40, 0xAB)}}}), grfw::SpriteRec(0, 1, 40, 0, 0, plain, 40),
+       grfw::RunSprite(64, {{{0, Bytes(60, 0xCD)}}}), grfw::SpriteRec(8, 1, 40, 0, 0, rows, 34)});
+  ExpectSameAsReference(file, "distance 0");
+  const Loaded l = Load(file);
+  ASSERT_EQ(l.Count(), 4);
+  EXPECT_EQ(l.Store.SpriteData[static_cast<size_t>(l.At(1).DataOffset) + 15], 0xAB);
+  EXPECT_EQ(l.Store.SpriteData[static_cast<size_t>(l.At(3).DataOffset) + 29], 0xCD);
+}
