@@ -82,6 +82,39 @@ inline int32_t RowTableEntry(const uint8_t* rowBuffer, int32_t row) {
   return static_cast<int16_t>(word);
 }
 
+// One block of at most 16 bytes: over zeros from zeroFrom on, else written back as it was.
+inline void CopyBlock(uint8_t* to, const uint8_t* from, int32_t n, bool overZero) {
+  if (overZero) {
+    CopyUpTo16OverZero(to, from, n);
+  } else {
+    CopyUpTo16(to, from, n);
+  }
+}
+
+// An offset chunk whose source starts inside the target (back >= 0). The copy rule goes one byte
+// at a time in rising order, so that an overlapping copy repeats what it has just written; the
+// blocks give the same bytes. `block` tells whether 16 bytes from `back` and `op` are in bounds.
+inline void CopyOffset(uint8_t* target, int32_t op, int32_t back, int32_t n, bool block,
+                       bool overZero) {
+  uint8_t* out = target + op;
+  const int32_t distance = op - back;
+  if (n <= distance) {
+    if (block) {
+      CopyBlock(out, target + back, n, overZero);
+    } else {
+      CopyBytes(out, target + back, n);
+    }
+  } else if (distance >= 8) {
+    // The second block reads only bytes the first has written.
+    Copy8(out, target + back);
+    Copy8(out + n - 8, target + back + n - 8);
+  } else if (distance == 1) {
+    std::memset(out, target[back], static_cast<size_t>(n));
+  } else {
+    for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
+  }
+}
+
 }  // namespace
 
 DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
@@ -102,6 +135,28 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
     readPos = rp;
     outPos = op;
     return result;
+  }
+  // Fast region: while any chunk (at most 129 file bytes, 128 out, and a block behind) stays
+  // inside the file and before blockEnd, no chunk needs a check.
+  while (op <= blockEnd - 128 && rp <= fileLength - 129) {
+    const uint8_t c = file[rp];
+    if (c < 128) {
+      const int32_t n = c == 0 ? 128 : c;
+      if (n <= 16) {
+        CopyBlock(target + op, file + rp + 1, n, op >= zeroFrom);
+      } else {
+        CopyBytes(target + op, file + rp + 1, n);
+      }
+      rp += n + 1;
+      op += n;
+    } else {
+      const int32_t n = 32 - (c >> 3);
+      const int32_t back = op - (((c & 7) << 8) | file[rp + 1]);
+      if (back < 0) break;  // the loop below reads zeros before the target's start
+      CopyOffset(target, op, back, n, true, op >= zeroFrom);
+      rp += 2;
+      op += n;
+    }
   }
   while (op != endPos) {
     if (rp >= fileLength) {
@@ -124,11 +179,7 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         break;
       }
       if (n <= 16 && op <= blockEnd && rp <= fileBlockEnd) {
-        if (op >= zeroFrom) {
-          CopyUpTo16OverZero(out, file + rp + 1, n);
-        } else {
-          CopyUpTo16(out, file + rp + 1, n);
-        }
+        CopyBlock(out, file + rp + 1, n, op >= zeroFrom);
       } else {
         CopyBytes(out, file + rp + 1, n);
       }
@@ -144,28 +195,12 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         result = DecodeResult::Overrun;
         break;
       }
-      // The copy rule goes one byte at a time in rising order, so that an overlapping copy repeats
-      // what it has just written; the blocks below give the same bytes.
       const int32_t back = op - distance;
       if (back < 0) {
         // Bytes before the target's start read as zero.
         for (int32_t i = 0; i < n; ++i) out[i] = back + i >= 0 ? target[back + i] : 0;
-      } else if (n <= distance) {
-        if (op <= blockEnd && op >= zeroFrom) {
-          CopyUpTo16OverZero(out, target + back, n);
-        } else if (op <= blockEnd) {
-          CopyUpTo16(out, target + back, n);
-        } else {
-          CopyBytes(out, target + back, n);
-        }
-      } else if (distance >= 8) {
-        // The second block reads only bytes the first has written.
-        Copy8(out, target + back);
-        Copy8(out + n - 8, target + back + n - 8);
-      } else if (distance == 1) {
-        std::memset(out, target[back], static_cast<size_t>(n));
       } else {
-        for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
+        CopyOffset(target, op, back, n, op <= blockEnd, op >= zeroFrom);
       }
       rp += 2;
     }
@@ -206,7 +241,12 @@ int32_t PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* 
     if (cell > size - 1) break;
     const int32_t room = std::min(kRowBufferSize - (runPos + 2), capacity - (write + cell));
     const int32_t copied = std::min(n, room);
-    CopyBytes(spriteData + write + cell, rowBuffer + runPos + 2, copied);
+    // A block must end inside the sprite's own cells and inside the row buffer.
+    if (copied <= 16 && cell <= size - 16 && runPos <= kRowBufferSize - 18) {
+      CopyUpTo16(spriteData + write + cell, rowBuffer + runPos + 2, copied);
+    } else {
+      CopyBytes(spriteData + write + cell, rowBuffer + runPos + 2, copied);
+    }
     furthest = std::max(furthest, write + cell + copied);
     runPos += n + 2;
     if ((header & 0x80) == 0) continue;

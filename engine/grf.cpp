@@ -58,28 +58,20 @@ int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& messa
         }
         pos += streamSize;
       } else {
-        int32_t sum = 0;
-        bool passed = false;
-        while (sum != streamSize) {
-          if (pos >= length) {  // the stream runs past the end of the file
-            passed = true;
-            break;
-          }
+        int32_t left = streamSize;  // decoded bytes still to walk
+        while (left > 0 && pos < length) {
           const uint8_t c = file[pos];
-          int32_t n;
           if (c < 128) {
-            n = c == 0 ? 128 : c;
+            const int32_t n = c == 0 ? 128 : c;
             pos += n + 1;
+            left -= n;
           } else {
-            n = 32 - (c >> 3);
             pos += 2;
-          }
-          sum += n;
-          if (sum > streamSize) {
-            passed = true;
-            break;
+            left -= 32 - (c >> 3);
           }
         }
+        // Short of the size at the end of the file, or past it.
+        const bool passed = left != 0;
         if (passed) {
           Report(message);
           break;
