@@ -82,7 +82,7 @@ inline int32_t RowTableEntry(const uint8_t* rowBuffer, int32_t row) {
   return static_cast<int16_t>(word);
 }
 
-// One block of at most 16 bytes: over zeros from zeroFrom on, else written back as it was.
+// One block of at most 16 bytes: zeros behind the chunk, or the bytes written back as they were.
 inline void CopyBlock(uint8_t* to, const uint8_t* from, int32_t n, bool overZero) {
   if (overZero) {
     CopyUpTo16OverZero(to, from, n);
@@ -94,8 +94,10 @@ inline void CopyBlock(uint8_t* to, const uint8_t* from, int32_t n, bool overZero
 // An offset chunk whose source starts inside the target (back >= 0). The copy rule goes one byte
 // at a time in rising order, so that an overlapping copy repeats what it has just written; the
 // blocks give the same bytes. `block` tells whether 16 bytes from `back` and `op` are in bounds.
+// A chunk of distance 0 keeps the bytes it covers: those below beforeEnd come from `before`, since
+// blocks may have written zeros over them.
 inline void CopyOffset(uint8_t* target, int32_t op, int32_t back, int32_t n, bool block,
-                       bool overZero) {
+                       bool overZero, const uint8_t* before, int32_t beforeEnd) {
   uint8_t* out = target + op;
   const int32_t distance = op - back;
   if (n <= distance) {
@@ -110,6 +112,8 @@ inline void CopyOffset(uint8_t* target, int32_t op, int32_t back, int32_t n, boo
     Copy8(out + n - 8, target + back + n - 8);
   } else if (distance == 1) {
     std::memset(out, target[back], static_cast<size_t>(n));
+  } else if (distance == 0) {
+    for (int32_t i = 0; i < n && op + i < beforeEnd; ++i) out[i] = before[op + i];
   } else {
     for (int32_t i = 0; i < n; ++i) out[i] = target[back + i];
   }
@@ -119,14 +123,17 @@ inline void CopyOffset(uint8_t* target, int32_t op, int32_t back, int32_t n, boo
 
 DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos,
-                          int32_t zeroFrom) {
+                          int32_t zeroFrom, const uint8_t* before) {
   int32_t rp = readPos;
   int32_t op = outPos;
   // Every copy gives exactly its chunk's bytes: a chunk of distance 0 leaves the bytes it covers
   // as they were, so nothing ahead of the chunk being decoded may change. A 16-byte block is used
   // only where all its bytes lie inside the file and before both the end position and the
-  // target's end; it writes back the bytes behind the chunk as they were, or as zero from
-  // zeroFrom on, where they are known to be zero.
+  // target's end; it writes back the bytes behind the chunk as they were, or zeros where they
+  // are zero anyway, or anywhere when `before` keeps a copy of the bytes below zeroFrom: then only
+  // a chunk of distance 0 needs them, and takes them from the copy.
+  const int32_t writeZerosFrom = before != nullptr ? 0 : zeroFrom;
+  const int32_t beforeEnd = before != nullptr ? std::min(zeroFrom, endPos) : 0;
   const int32_t blockEnd = std::min(endPos, targetCapacity) - 16;
   const int32_t fileBlockEnd = fileLength - 17;
   DecodeResult result = DecodeResult::Finished;
@@ -143,7 +150,7 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
     if (c < 128) {
       const int32_t n = c == 0 ? 128 : c;
       if (n <= 16) {
-        CopyBlock(target + op, file + rp + 1, n, op >= zeroFrom);
+        CopyBlock(target + op, file + rp + 1, n, op >= writeZerosFrom);
       } else {
         CopyBytes(target + op, file + rp + 1, n);
       }
@@ -153,7 +160,7 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
       const int32_t n = 32 - (c >> 3);
       const int32_t back = op - (((c & 7) << 8) | file[rp + 1]);
       if (back < 0) break;  // the loop below reads zeros before the target's start
-      CopyOffset(target, op, back, n, true, op >= zeroFrom);
+      CopyOffset(target, op, back, n, true, op >= writeZerosFrom, before, beforeEnd);
       rp += 2;
       op += n;
     }
@@ -179,7 +186,7 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         break;
       }
       if (n <= 16 && op <= blockEnd && rp <= fileBlockEnd) {
-        CopyBlock(out, file + rp + 1, n, op >= zeroFrom);
+        CopyBlock(out, file + rp + 1, n, op >= writeZerosFrom);
       } else {
         CopyBytes(out, file + rp + 1, n);
       }
@@ -200,7 +207,7 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
         // Bytes before the target's start read as zero.
         for (int32_t i = 0; i < n; ++i) out[i] = back + i >= 0 ? target[back + i] : 0;
       } else {
-        CopyOffset(target, op, back, n, op <= blockEnd, op >= zeroFrom);
+        CopyOffset(target, op, back, n, op <= blockEnd, op >= writeZerosFrom, before, beforeEnd);
       }
       rp += 2;
     }
@@ -263,24 +270,33 @@ int32_t PlaceRuns(const uint8_t* rowBuffer, const SpriteRecord& entry, uint8_t* 
 DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
-                          uint8_t* rowBuffer, ZeroMarks& marks) {
+                          uint8_t* rowBuffer, DecodeState& state) {
   // A sprite whose cells would not fit the store (or a negative size from a width of 32,768 and
   // more) is not taken in: the same end as a stream that passes its size.
   if (entry.Size < 0 || entry.Size > capacity - writePos) return DecodeResult::Overrun;
   if ((flags & kRunFormFlag) == 0) {
     int32_t out = writePos;
     const DecodeResult result = DecodeStream(file, fileLength, readPos, spriteData, capacity, out,
-                                             writePos + entry.Size, marks.Data);
-    marks.Data = std::max(marks.Data, out);
+                                             writePos + entry.Size, state.DataZeroFrom);
+    state.DataZeroFrom = std::max(state.DataZeroFrom, out);
     writePos = out;
     return result;
   }
+  // What earlier sprites left in the row buffer stays readable by a chunk of distance 0. A copy of
+  // the part this stream covers is cheaper than reading it back block by block.
+  const int32_t covered = std::clamp(std::min(state.RowsZeroFrom, streamSize), 0, kRowBufferSize);
+  if (covered > 0) {
+    state.RowsBefore.resize(kRowBufferSize);
+    std::memcpy(state.RowsBefore.data(), rowBuffer, static_cast<size_t>(covered));
+  }
   int32_t out = 0;
-  const DecodeResult result = DecodeStream(file, fileLength, readPos, rowBuffer, kRowBufferSize,
-                                           out, streamSize, marks.Rows);
-  marks.Rows = std::max(marks.Rows, out);
+  const DecodeResult result =
+      DecodeStream(file, fileLength, readPos, rowBuffer, kRowBufferSize, out, streamSize,
+                   state.RowsZeroFrom, covered > 0 ? state.RowsBefore.data() : nullptr);
+  state.RowsZeroFrom = std::max(state.RowsZeroFrom, out);
   if (result != DecodeResult::Finished) return result;
-  marks.Data = std::max(marks.Data, PlaceRuns(rowBuffer, entry, spriteData, capacity, writePos));
+  state.DataZeroFrom =
+      std::max(state.DataZeroFrom, PlaceRuns(rowBuffer, entry, spriteData, capacity, writePos));
   writePos += entry.Size;
   return result;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "grf.h"
 
@@ -17,16 +18,19 @@ constexpr int32_t kBlockMoveThreshold = 48;
 
 // Expands chunks from file[readPos] into target[outPos] until outPos reaches endPos. Both positions
 // are advanced for the caller. Offset chunks whose distance reaches before target[0] copy zeros.
-// Target bytes from zeroFrom on must hold zero.
+// Target bytes from zeroFrom on must hold zero. `before`, if given, holds a copy of the target's
+// bytes below zeroFrom (those below endPos at least) as they stand when the stream starts.
 DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           uint8_t* target, int32_t targetCapacity, int32_t& outPos, int32_t endPos,
-                          int32_t zeroFrom = INT32_MAX);
+                          int32_t zeroFrom = INT32_MAX, const uint8_t* before = nullptr);
 
-// How far the two targets of the decoding pass have been written: from these positions on, the
-// bytes of SpriteData and of the row buffer still hold zero.
-struct ZeroMarks {
-  int32_t Data = 0;
-  int32_t Rows = 0;
+// What the decoding pass carries from sprite to sprite: how far its two targets have been written
+// (from these positions on, SpriteData and the row buffer still hold zero), and room for a copy of
+// the row buffer.
+struct DecodeState {
+  int32_t DataZeroFrom = 0;
+  int32_t RowsZeroFrom = 0;
+  std::vector<uint8_t> RowsBefore;
 };
 
 // Decodes one non-action sprite whose Width, Height and Size are filled. `streamSize` is L - 8,
@@ -35,4 +39,4 @@ struct ZeroMarks {
 DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& readPos,
                           const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
-                          uint8_t* rowBuffer, ZeroMarks& marks);
+                          uint8_t* rowBuffer, DecodeState& state);

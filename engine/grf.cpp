@@ -101,7 +101,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
   int32_t pos = 0;
   int32_t write = 0;
   int32_t count = 0;
-  ZeroMarks marks;  // the store and the row buffer start zero-filled
+  DecodeState state;  // the store and the row buffer start zero-filled
   while (pos < length && count < entries) {
     const int32_t head = HeadWord(file, length, pos);
     if (head == 0) break;
@@ -143,7 +143,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
       r.Size = static_cast<int32_t>(width) * height;
       const int32_t streamStart = pos;
       const DecodeResult result = DecodeSprite(file, length, pos, r, flags, word - 8, data,
-                                               capacity, write, rowBuffer, marks);
+                                               capacity, write, rowBuffer, state);
       if (result != DecodeResult::Finished) {
         Report(message);
         break;

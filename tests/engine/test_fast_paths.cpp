@@ -124,12 +124,18 @@ TEST(FastPaths, DistanceZeroShowsWhatEarlierSpritesLeft) {
   grfw::AddData(rows, {0x02, 0x00, 0x80 | 30, 0x00});
   grfw::AddOffset(rows, 15, 0);
   grfw::AddOffset(rows, 15, 0);
+  // A closing action record keeps the file long enough behind the streams for 16-byte blocks.
   const Bytes file = grfw::File(
       {grfw::RunSprite(2, {{{0, Bytes(40, 0xAB)}}}), grfw::SpriteRec(0, 1, 40, 0, 0, plain, 40),
-       grfw::RunSprite(64, {{{0, Bytes(60, 0xCD)}}}), grfw::SpriteRec(8, 1, 40, 0, 0, rows, 34)});
+       grfw::RunSprite(64, {{{0, Bytes(60, 0xCD)}}}), grfw::SpriteRec(8, 1, 40, 0, 0, rows, 34),
+       grfw::ActionRecord(Bytes(40, 0))});
   ExpectSameAsReference(file, "distance 0");
   const Loaded l = Load(file);
-  ASSERT_EQ(l.Count(), 4);
-  EXPECT_EQ(l.Store.SpriteData[static_cast<size_t>(l.At(1).DataOffset) + 15], 0xAB);
-  EXPECT_EQ(l.Store.SpriteData[static_cast<size_t>(l.At(3).DataOffset) + 29], 0xCD);
+  ASSERT_EQ(l.Count(), 5);
+  const auto pixels = [&](int sprite, int from, int to) {
+    const auto first = l.Store.SpriteData.begin() + l.At(sprite).DataOffset;
+    return Bytes(first + from, first + to);
+  };
+  EXPECT_EQ(pixels(1, 1, 16), Bytes(15, 0xAB));
+  EXPECT_EQ(pixels(3, 0, 30), Bytes(30, 0xCD));
 }
