@@ -111,7 +111,14 @@ inline void CopyOffset(uint8_t* target, int32_t op, int32_t back, int32_t n, boo
     Copy8(out, target + back);
     Copy8(out + n - 8, target + back + n - 8);
   } else if (distance == 1) {
-    std::memset(out, target[back], static_cast<size_t>(n));
+    // A run of one byte, which the run route's pictures are full of.
+    if (block) {
+      uint8_t fill[16];
+      std::memset(fill, target[back], sizeof fill);
+      CopyBlock(out, fill, n, overZero);
+    } else {
+      std::memset(out, target[back], static_cast<size_t>(n));
+    }
   } else if (distance == 0) {
     for (int32_t i = 0; i < n && op + i < beforeEnd; ++i) out[i] = before[op + i];
   } else {
