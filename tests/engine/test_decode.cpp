@@ -1,6 +1,8 @@
 // The decompressor on its own: both chunk kinds, the copy rule, both routes and their limits.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "decode.h"
 #include "load_helper.h"
 
@@ -16,7 +18,8 @@ struct StreamRun {
 
 // Decodes `stream` into a target of `capacity` bytes (prefilled) from `out` to `end`.
 StreamRun Decode(const Bytes& stream, int32_t capacity, int32_t out, int32_t end,
-                 const Bytes& prefill = {}) {
+                 const Bytes& prefill = {}, int32_t zeroFrom = INT32_MAX,
+                 const uint8_t* before = nullptr) {
   const ExactBuffer file(stream);
   std::unique_ptr<uint8_t[]> target(new uint8_t[static_cast<size_t>(capacity)]());
   std::copy(prefill.begin(), prefill.end(), target.get());
@@ -24,7 +27,7 @@ StreamRun Decode(const Bytes& stream, int32_t capacity, int32_t out, int32_t end
   run.ReadPos = 0;
   run.OutPos = out;
   run.Result = DecodeStream(file.Data.get(), file.Size, run.ReadPos, target.get(), capacity,
-                            run.OutPos, end);
+                            run.OutPos, end, zeroFrom, before);
   run.Target.assign(target.get(), target.get() + capacity);
   return run;
 }
@@ -117,6 +120,34 @@ TEST(DecodeStream, StaysInsideTheFileAndTheTarget) {
   grfw::AddOffset(far, 16, 1);
   run = Decode(far, 8, 0, 8);
   EXPECT_EQ(run.Result, DecodeResult::Overrun);
+}
+
+TEST(DecodeStream, BlocksThatWriteAheadGiveTheSameBytesAndStopAtTheEnd) {
+  // Short chunks of both kinds, distance 0 among them, over a target full of other bytes. With a
+  // copy of those bytes the blocks may write zeros ahead of each chunk; the result must still be
+  // that of blocks that write back what they keep, and nothing from the end position on changes.
+  std::mt19937 rng(7);
+  const Bytes prefill = Pattern(400);
+  for (int round = 0; round < 20; ++round) {
+    Bytes stream;
+    int32_t made = 0;
+    while (made < 300) {
+      const int32_t n = std::min<int32_t>(300 - made, 1 + static_cast<int32_t>(rng() % 16));
+      if (n < 3 || rng() % 2 == 0) {
+        grfw::AddData(stream, Bytes(static_cast<size_t>(n), static_cast<uint8_t>(rng())));
+      } else {
+        grfw::AddOffset(stream, n, static_cast<int>(rng() % 40));
+      }
+      made += n;
+    }
+    grfw::Append(stream, Bytes(32, 0));  // room behind the stream for blocks
+    const StreamRun kept = Decode(stream, 400, 0, 300, prefill);
+    const StreamRun ahead = Decode(stream, 400, 0, 300, prefill, 400, prefill.data());
+    ASSERT_EQ(kept.Result, DecodeResult::Finished);
+    EXPECT_EQ(ahead.Result, DecodeResult::Finished);
+    EXPECT_EQ(ahead.Target, kept.Target) << "round " << round;
+    EXPECT_TRUE(std::equal(prefill.begin() + 300, prefill.end(), kept.Target.begin() + 300));
+  }
 }
 
 TEST(DecodeStream, DistanceBeforeTheTargetsStartCopiesZeros) {
