@@ -133,12 +133,11 @@ DecodeResult DecodeStream(const uint8_t* file, int32_t fileLength, int32_t& read
                           int32_t zeroFrom, const uint8_t* before) {
   int32_t rp = readPos;
   int32_t op = outPos;
-  // Every copy gives exactly its chunk's bytes: a chunk of distance 0 leaves the bytes it covers
-  // as they were, so nothing ahead of the chunk being decoded may change. A 16-byte block is used
-  // only where all its bytes lie inside the file and before both the end position and the
-  // target's end; it writes back the bytes behind the chunk as they were, or zeros where they
-  // are zero anyway, or anywhere when `before` keeps a copy of the bytes below zeroFrom: then only
-  // a chunk of distance 0 needs them, and takes them from the copy.
+  // Every chunk gives exactly the bytes of the copy rule. A 16-byte block is used only where all
+  // its bytes lie inside the file and before both the end position and the target's end. Behind
+  // its chunk it writes back what it read, or zeros: where the bytes are zero anyway, or anywhere
+  // when `before` keeps a copy of the bytes below zeroFrom. Later chunks write over those zeros;
+  // only a chunk of distance 0 keeps bytes as they stood, and takes them from the copy.
   const int32_t writeZerosFrom = before != nullptr ? 0 : zeroFrom;
   const int32_t beforeEnd = before != nullptr ? std::min(zeroFrom, endPos) : 0;
   const int32_t blockEnd = std::min(endPos, targetCapacity) - 16;
