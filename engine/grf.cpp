@@ -70,9 +70,7 @@ int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& messa
             left -= 32 - (c >> 3);
           }
         }
-        // Short of the size at the end of the file, or past it.
-        const bool passed = left != 0;
-        if (passed) {
+        if (left != 0) {  // short of the size at the end of the file, or past it
           Report(message);
           break;
         }
