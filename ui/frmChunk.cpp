@@ -128,10 +128,7 @@ void frmChunk::mnuOpen_Click() {
   if (!FileDialog) FileDialog = std::make_unique<clsFileDialog>();
   FileDialog->InitialDirectory(CurDir());
   FileDialog->ObjectOwner(this);
-  FileDialog->WindowTitle(kOpenTitle);
-  FileDialog->Filter(kGrfFilter);
-  FileDialog->Flags(OFN_HIDEREADONLY);
-  if (FileDialog->FileOpen(FileName)) ScanGRF();
+  if (AskForGrfToOpen(*FileDialog, FileName)) ScanGRF();
 }
 
 void frmChunk::mnuClose_Click() {

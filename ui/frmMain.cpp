@@ -233,10 +233,7 @@ void frmMain::PrepareFileDialog() {
 
 void frmMain::mnuOpen_Click() {
   PrepareFileDialog();
-  FileDialog->WindowTitle(kOpenTitle);
-  FileDialog->Filter(kGrfFilter);
-  FileDialog->Flags(OFN_HIDEREADONLY);
-  if (FileDialog->FileOpen(FileName)) LoadGRF();
+  if (AskForGrfToOpen(*FileDialog, FileName)) LoadGRF();
 }
 
 // Unreachable while mnuSaveAs stays disabled; nothing is written.
