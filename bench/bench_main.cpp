@@ -1,5 +1,5 @@
-// vossel-bench: the engine, the renderer and the chunk list on real and generated files, with a
-// straightforward reference decoder on the same files to compare the loader with.
+// vossel-bench: the engine, the renderer and the chunk list on real and generated files, with the
+// plain decoder on the same files to compare the loader with.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -27,9 +27,10 @@ void RegisterFileCases(const std::string& name, std::vector<uint8_t> bytes) {
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(shared->size()));
   })->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark(("reference/" + name).c_str(), [shared](benchmark::State& state) {
+    ReferenceLoad load;
     for (auto _ : state) {
-      const ReferenceLoad load =
-          ReferenceDecode(shared->data(), static_cast<int32_t>(shared->size()));
+      load = ReferenceDecode(shared->data(), static_cast<int32_t>(shared->size()),
+                             std::move(load.Data));
       benchmark::DoNotOptimize(load.Count);
       benchmark::DoNotOptimize(load.Data.data());
     }

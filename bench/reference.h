@@ -1,5 +1,5 @@
-// A straightforward decoder to measure the engine against and to check its bytes: both passes in
-// plain byte loops, the store as a zero-filled vector, data chunks by the plain copy rule.
+// The plainest decoder of the format, to measure the loader against and to check its bytes: the
+// two passes as byte loops, data chunks and runs by memcpy, offset chunks one byte at a time.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 #include "grf.h"
 
 struct ReferenceLoad {
-  std::vector<SpriteRecord> Table;
-  std::vector<uint8_t> Data;
+  std::vector<SpriteRecord> Table;  // one entry per counted record; the first Count are decoded
+  std::vector<uint8_t> Data;        // the decoded bytes, cut behind the last decoded sprite
   int32_t Count = 0;
-  bool Failed = false;
+  bool Failed = false;  // a record could not be taken in: the loader's message
 };
 
-// Loads well-formed files the way the format reads; on any record it cannot take in it stops
-// and sets Failed, without the engine's care for hostile input.
-ReferenceLoad ReferenceDecode(const uint8_t* file, int32_t length);
+// Any bytes: nothing is read or written outside the buffers. `data` lends its storage to the
+// result's Data, as the window lends its store from one load to the next.
+ReferenceLoad ReferenceDecode(const uint8_t* file, int32_t length, std::vector<uint8_t> data = {});

@@ -1,25 +1,33 @@
-// The loader's two passes with the decompressor, on any bytes.
-#include <cstdint>
+// The loader's two passes on any bytes, against the plain decoder: the same count, the message
+// exactly where the plain decoder gives up, and the same entries and bytes of every sprite.
 #include <cstdlib>
+#include <cstring>
 
 #include "grf.h"
+#include "reference.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  if (size > 0x7FFFFFFF) return 0;
-  // Kept from one input to the next, as the window keeps it: each load must start from zeros all
-  // the same.
+  if (size > 1 << 20) return 0;
+  // Kept from one input to the next, as the window keeps it: each load must start from zeros.
   static SpriteStore store;
-  const LoadOutcome outcome = LoadSprites(data, static_cast<int32_t>(size), store, nullptr);
-  const DecodeTotals& t = outcome.Totals;
-  // What the window reads after a load must lie inside the store.
-  if (t.Count < 0 || static_cast<size_t>(t.Count) > store.SpriteTable.size()) std::abort();
-  if (store.SpriteData.size() != static_cast<size_t>(t.WritePosition)) std::abort();
-  if (store.SpriteData.size() > static_cast<size_t>(kSpriteDataCapacity)) std::abort();
-  for (int32_t i = 0; i < t.Count; ++i) {
-    const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(i)];
-    if (r.Size < 0 || r.DataOffset < 0 ||
-        static_cast<int64_t>(r.DataOffset) + r.Size > t.WritePosition)
+  bool message = false;
+  const int32_t length = static_cast<int32_t>(size);
+  const int32_t count =
+      LoadSprites(data, length, store, [&](const std::string&) { message = true; }).Totals.Count;
+  const ReferenceLoad ref = ReferenceDecode(data, length);
+  if (count != ref.Count || message != ref.Failed) std::abort();
+  size_t decoded = 0;
+  for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+    const SpriteRecord &a = store.SpriteTable[i], &b = ref.Table[i];
+    if (a.DataOffset != b.DataOffset || a.Size != b.Size || a.Flags != b.Flags ||
+        a.CompressedSize != b.CompressedSize || a.XOffset != b.XOffset || a.YOffset != b.YOffset ||
+        a.Width != b.Width || a.Height != b.Height)
       std::abort();
+    decoded = static_cast<size_t>(a.DataOffset) + static_cast<size_t>(a.Size);
   }
+  if (store.SpriteData.size() < decoded || ref.Data.size() < decoded ||
+      (decoded > 0 && std::memcmp(store.SpriteData.data(), ref.Data.data(), decoded) != 0))
+    std::abort();
+  if (!ref.Failed && store.SpriteData.size() != ref.Data.size()) std::abort();
   return 0;
 }
