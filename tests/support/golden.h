@@ -9,12 +9,12 @@
 #include <sstream>
 #include <string>
 
-#ifndef VOSSEL_GOLDEN_DIR
-#error "VOSSEL_GOLDEN_DIR must name tests/golden"
+#ifndef VOSSEL_TESTS_DIR
+#error "VOSSEL_TESTS_DIR must name the tests folder"
 #endif
 
 inline void ExpectGolden(const std::string& name, const std::string& text) {
-  const std::string path = std::string(VOSSEL_GOLDEN_DIR) + "/" + name;
+  const std::string path = std::string(VOSSEL_TESTS_DIR) + "/golden/" + name;
   if (std::getenv("VOSSEL_UPDATE_GOLDEN") != nullptr) {
     std::ofstream(path, std::ios::binary) << text;
     return;

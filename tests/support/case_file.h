@@ -1,0 +1,45 @@
+// Case lists kept as text files beside their tests: one case a line, with fields split at " |";
+// empty lines and lines that start with '#' are skipped. Escapes: \r \n \t \\ and \xHH.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+inline std::vector<std::string> CaseLines(const std::string& file) {
+  std::ifstream in(std::string(VOSSEL_TESTS_DIR) + "/" + file, std::ios::binary);
+  EXPECT_TRUE(in) << file;
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);)
+    if (!line.empty() && line[0] != '#') lines.push_back(line);
+  return lines;
+}
+
+// The first `count` - 1 fields end at " |", and each field after one loses a single blank.
+inline std::vector<std::string> Fields(const std::string& line, size_t count) {
+  std::vector<std::string> fields;
+  size_t at = 0;
+  for (size_t bar; fields.size() + 1 < count && (bar = line.find(" |", at)) != std::string::npos;
+       at = bar + 2 + (line.compare(bar + 2, 1, " ") == 0)) {
+    fields.push_back(line.substr(at, bar - at));
+  }
+  fields.push_back(line.substr(at));
+  return fields;
+}
+
+inline std::string Unescape(const std::string& s) {
+  std::string out;
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (s[i] != '\\' || i + 1 == s.size()) {
+      out += s[i];
+    } else if (s[++i] == 'x') {
+      out += static_cast<char>(std::stoi(s.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else {
+      out += s[i] == 'r' ? '\r' : s[i] == 'n' ? '\n' : s[i] == 't' ? '\t' : s[i];
+    }
+  }
+  return out;
+}
