@@ -7,7 +7,7 @@ packages=(
   qt6-base-dev libgl-dev
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang-format clang libclang-rt-14-dev
-  xvfb xauth x11-utils fonts-dejavu-extra
+  xvfb xauth xdotool fonts-dejavu-extra
   openttd-data
 )
 
