@@ -1,1 +1,0 @@
-vossel_cli_test(test_cli_list_info test_cli_list_info.cpp)
