@@ -4,7 +4,7 @@
 
 #include <malloc.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cstdlib>
 
 #include "chunks.h"
@@ -20,36 +20,30 @@ void __libc_free(void*);
 
 namespace {
 
-std::atomic<int64_t> live{0}, peak{0};
+int64_t live = 0, peak = 0;  // the tests run on one thread
 
-void Count(int64_t delta) {
-  const int64_t now = live += delta;
-  int64_t seen = peak.load();
-  while (now > seen && !peak.compare_exchange_weak(seen, now)) {
-  }
+void* Held(void* p, int64_t before = 0) {
+  live += (p ? static_cast<int64_t>(malloc_usable_size(p)) : 0) - before;
+  peak = std::max(peak, live);
+  return p;
 }
 
 }  // namespace
 
 extern "C" {
 void* malloc(size_t n) {
-  void* p = __libc_malloc(n);
-  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)));
-  return p;
+  return Held(__libc_malloc(n));
 }
 void* calloc(size_t n, size_t size) {
-  void* p = __libc_calloc(n, size);
-  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)));
-  return p;
+  return Held(__libc_calloc(n, size));
 }
 void* realloc(void* old, size_t n) {
   const int64_t before = old ? static_cast<int64_t>(malloc_usable_size(old)) : 0;
   void* p = __libc_realloc(old, n);
-  if (p) Count(static_cast<int64_t>(malloc_usable_size(p)) - before);
-  return p;
+  return p ? Held(p, before) : p;
 }
 void free(void* p) {
-  if (p) Count(-static_cast<int64_t>(malloc_usable_size(p)));
+  live -= p ? static_cast<int64_t>(malloc_usable_size(p)) : 0;
   __libc_free(p);
 }
 }
@@ -61,10 +55,10 @@ using grfw::Bytes;
 // Peak bytes held above what was held before `work` ran.
 template <typename Work>
 int64_t PeakOf(Work work) {
-  const int64_t base = live.load();
+  const int64_t base = live;
   peak = base;
   work();
-  return peak.load() - base;
+  return peak - base;
 }
 
 // Records that each claim far more than they hold: widths of 32,767 by 255 rows, length words of

@@ -1,10 +1,13 @@
 // Case lists kept as text files beside their tests: one case a line, with fields split at " |";
-// empty lines and lines that start with '#' are skipped. Escapes: \r \n \t \\ and \xHH.
+// empty lines and lines that start with '#' are skipped. Texts may hold \r \n \t \\ and \xHH;
+// bytes are written in hex.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -40,6 +43,19 @@ inline std::string Unescape(const std::string& s) {
     } else {
       out += s[i] == 'r' ? '\r' : s[i] == 'n' ? '\n' : s[i] == 't' ? '\t' : s[i];
     }
+  }
+  return out;
+}
+
+// Hex pairs, blanks between them as they read best; "AAxN" is N bytes AA; "-" is no byte.
+inline std::vector<uint8_t> Hex(const std::string& text) {
+  std::vector<uint8_t> out;
+  std::istringstream words(text == "-" ? "" : text);
+  for (std::string w; words >> w;) {
+    const size_t x = std::min(w.find('x'), w.size());
+    for (size_t i = 0; i + 1 < x; i += 2)
+      out.push_back(static_cast<uint8_t>(std::stoi(w.substr(i, 2), nullptr, 16)));
+    if (x < w.size()) out.insert(out.end(), std::stoul(w.substr(x + 1)) - 1, out.back());
   }
   return out;
 }
