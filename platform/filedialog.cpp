@@ -96,9 +96,12 @@ bool clsFileDialog::FileOpen(std::string& Filename) {
   ofn_.lpstrFile = std::string(kFileBufferSize, '\0');
   const bool result = CallOnCopy(ofn_, GetOpenFileNameA) != 0;
 
-  // From here on only the buffer counts, whatever the dialog returned.
+  // From here on only the buffer counts, whatever the dialog returned. The NULs behind its last
+  // text make only empty pieces, which change nothing; they are not split.
   const std::string buffer = ofn_.lpstrFile.value_or("");
-  const std::vector<std::string_view> pieces = SplitAtNul(TrimBlanks(buffer));
+  std::string_view text = TrimBlanks(buffer);
+  text = text.substr(0, text.find_last_not_of('\0') + 1);
+  const std::vector<std::string_view> pieces = SplitAtNul(text);
   const std::string_view first = pieces[0];
   if (first.empty()) return false;
   const std::string_view second = pieces.size() > 1 ? pieces[1] : std::string_view();

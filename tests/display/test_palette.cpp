@@ -2,8 +2,8 @@
 // program; the path helper.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
-#include <sstream>
 
 #include "case_file.h"
 #include "grf_writer.h"
@@ -11,8 +11,8 @@
 
 namespace {
 
-// {N}: N entry lines in a file, or their N entries in the buffer.
-std::string Expand(const std::string& text, bool asBytes) {
+// {N}: N entry lines "i 255-i i^0x5A" in a file text, or those N entries in hex.
+std::string Expand(const std::string& text, bool hex) {
   std::string out;
   for (size_t i = 0; i < text.size(); ++i) {
     const size_t close = text.find('}', i);
@@ -20,23 +20,13 @@ std::string Expand(const std::string& text, bool asBytes) {
       out += text[i];
       continue;
     }
-    for (int e = 0, n = std::stoi(text.substr(i + 1)); e < n; ++e)
-      out += asBytes ? std::string{char(e ^ 0x5A), char(255 - e), char(e), '\0'}
-                     : std::to_string(e) + " " + std::to_string(255 - e) + " " +
-                           std::to_string(e ^ 0x5A) + "\r\n";
+    char entry[32];
+    for (int e = 0, n = std::stoi(text.substr(i + 1)); e < n; ++e) {
+      std::snprintf(entry, sizeof entry, hex ? "%02X%02X%02X00 " : "%3$d %2$d %1$d\r\n", e ^ 0x5A,
+                    255 - e, e);
+      out += entry;
+    }
     i = close;
-  }
-  return out;
-}
-
-// The buffer field: hex bytes and {N}, split by blanks.
-std::string BufferBytes(const std::string& field) {
-  std::string out;
-  std::istringstream words(field == "--" ? "" : field);
-  for (std::string w; words >> w;) {
-    if (w[0] == '{') out += Expand(w, true);
-    for (size_t i = 0; w[0] != '{' && i + 1 < w.size(); i += 2)
-      out += static_cast<char>(std::stoi(w.substr(i, 2), nullptr, 16));
   }
   return out;
 }
@@ -50,7 +40,7 @@ TEST(LoadPalette, CaseList) {
     std::vector<std::string> f = Fields(line, 3);
     if (line[0] == '=') {  // "= XX token"
       const std::string blue = line.substr(2, 2);
-      f = {blue == "--" ? "refused" : "ok", blue == "--" ? "--" : blue + "000000",
+      f = {blue == "--" ? "refused" : "ok", blue == "--" ? "-" : blue + "000000",
            "H1\\r\\n0 0 " + line.substr(5) + "\\r\\n"};
     }
     ASSERT_EQ(f.size(), 3u);
@@ -61,7 +51,8 @@ TEST(LoadPalette, CaseList) {
     PaletteBuffer p;
     p.fill(0xAA);
     EXPECT_EQ(LoadPalette(path, p), f[0] == "ok" ? -1 : 0);
-    const std::string want = BufferBytes(f[1]);
+    const std::vector<uint8_t> bytes = Hex(Expand(f[1], true));
+    const std::string want(bytes.begin(), bytes.end());
     std::string got(p.begin(), p.end());
     EXPECT_EQ(got.substr(0, want.size()), want);
     EXPECT_EQ(got.substr(want.size()), std::string(1024 - want.size(), '\xAA'));

@@ -69,22 +69,10 @@ TEST(DrawSprite, NoRecordLeavesTheCanvasAlone) {
   EXPECT_EQ(canvas.pixel(0, 0), qRgb(9, 9, 9));
 }
 
-TEST(PlaceSprite, HalfOfTheRoundedSum) {
-  const struct {
-    SpriteRecord Sprite;
-    double FreeWidth, Height;
-    int X, Y;
-  } cases[] = {
-      {Record(64, 31, -31, 0), 224, 183, 64, 76},
-      {Record(10, 1), 224, 183, 107, 91},
-      {Record(10, 13), 7, 10, -1, -1},
-      {Record(10, 10, -7, 5), 0, 0, -8, -2},
-      {Record(64, 1), 224.5, 1, 80, 0},
-      {Record(64, 1), 225.5, 1, 81, 0},
-      {Record(1, 1), 1.5, -0.5, 0, -1},
-  };
-  for (const auto& c : cases) {
-    const SpritePlacement at = PlaceSprite(c.Sprite, c.FreeWidth, c.Height);
-    EXPECT_EQ(std::make_pair(at.X, at.Y), std::make_pair(c.X, c.Y)) << c.FreeWidth;
-  }
+TEST(PlaceSprite, AFractionOfAMeasureRoundsHalfToEven) {
+  for (const auto& [freeWidth, height, x, y] :
+       {std::tuple{224.5, 1.5, 80, 0}, {225.5, -0.5, 81, -1}})
+    EXPECT_EQ(std::make_pair(PlaceSprite(Record(64, 1), freeWidth, height).X,
+                             PlaceSprite(Record(64, 1), freeWidth, height).Y),
+              std::make_pair(x, y));
 }

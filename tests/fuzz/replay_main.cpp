@@ -12,47 +12,33 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
 
-// Damaged copies of each input; of a large one (a real GRF file) fewer.
-int Copies(size_t size) {
-  return size > 65536 ? 10 : 100;
-}
-
-// An exact allocation, so that the address sanitizer sees a read one past the end.
+// A copy in an allocation of exactly its size, so that the address sanitizer sees a read past it.
 void Run(const std::vector<uint8_t>& bytes) {
-  uint8_t* copy = new uint8_t[bytes.empty() ? 1 : bytes.size()];
-  std::copy(bytes.begin(), bytes.end(), copy);
-  LLVMFuzzerTestOneInput(copy, bytes.size());
-  delete[] copy;
+  const std::vector<uint8_t> exact(bytes);
+  LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }
 
 void Replay(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
-  const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)),
-                                   std::istreambuf_iterator<char>());
+  const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), {});
   Run(bytes);
   uint32_t seed = 1;
   const auto next = [&seed] { return (seed = seed * 1664525u + 1013904223u) >> 8; };
-  for (int copy = Copies(bytes.size()); copy > 0; --copy) {
+  // Fewer copies of a large input, such as a real GRF file.
+  for (int copy = bytes.size() > 65536 ? 10 : 100; copy > 0; --copy) {
     std::vector<uint8_t> b = bytes;
     for (uint32_t edits = 1 + next() % 3; edits > 0 && !b.empty(); --edits) {
-      const size_t at = next() % b.size();
+      const auto at = b.begin() + static_cast<long>(next() % b.size());
       const uint8_t edge[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
-      switch (next() % 4) {
-        case 0:
-          b[at] ^= static_cast<uint8_t>(1u << next() % 8);
-          break;
-        case 1:
-          b[at] = edge[next() % 5];
-          break;
-        case 2:
-          b.resize(at);
-          break;
-        default: {
-          const std::vector<uint8_t> piece(
-              b.begin() + static_cast<long>(at),
-              b.begin() + static_cast<long>(std::min(b.size(), at + 1 + next() % 32)));
-          b.insert(b.begin() + static_cast<long>(at), piece.begin(), piece.end());
-        }
+      if (const uint32_t kind = next() % 4; kind == 0) {
+        *at ^= static_cast<uint8_t>(1u << next() % 8);
+      } else if (kind == 1) {
+        *at = edge[next() % 5];
+      } else if (kind == 2) {
+        b.erase(at, b.end());
+      } else {
+        const std::vector<uint8_t> piece(at, at + std::min<long>(b.end() - at, 1 + next() % 32));
+        b.insert(at, piece.begin(), piece.end());
       }
     }
     Run(b);
@@ -64,17 +50,11 @@ void Replay(const std::filesystem::path& file) {
 int main(int argc, char** argv) {
   int count = 0;
   for (int i = 1; i < argc; ++i) {
-    const std::filesystem::path path(argv[i]);
-    if (std::filesystem::is_directory(path)) {
-      for (const auto& entry : std::filesystem::recursive_directory_iterator(path))
-        if (entry.is_regular_file()) {
-          Replay(entry.path());
-          ++count;
-        }
-    } else if (std::filesystem::is_regular_file(path)) {
-      Replay(path);
-      ++count;
-    }
+    namespace fs = std::filesystem;
+    if (fs::is_regular_file(argv[i])) Replay(argv[i]), ++count;
+    if (fs::is_directory(argv[i]))
+      for (const auto& entry : fs::recursive_directory_iterator(argv[i]))
+        if (entry.is_regular_file()) Replay(entry.path()), ++count;
   }
   std::printf("replayed %d inputs and damaged copies of them\n", count);
   return count > 0 ? 0 : 1;

@@ -18,12 +18,10 @@ using uitest::WorkedRecord;
 
 namespace {
 
-using Lines = std::vector<std::pair<int32_t, std::string>>;  // ItemData and text
-
-// The worked example's two lines for a record that starts at `p`.
-Lines Worked(int32_t p) {
-  return {{p + 10, "Data chunk of 2 bytes, 0A 0B"},
-          {p + 13, "Offset chunk, 2 bytes of data from position 0"}};
+// The worked example's two lines, each item value and text, for a record that starts at `p`.
+std::string Worked(int32_t p) {
+  return std::to_string(p + 10) + " Data chunk of 2 bytes, 0A 0B\n" + std::to_string(p + 13) +
+         " Offset chunk, 2 bytes of data from position 0\n";
 }
 
 Bytes WorkedFile(int n) {
@@ -37,10 +35,10 @@ class ChunkViewer : public ::testing::Test {
     form.mnuOpen_Click();
     return fakes.Next;
   }
-  Lines List() const {
-    Lines lines;
+  std::string List() const {
+    std::string lines;
     for (int32_t i = 0; i < form.Li->ListCount(); ++i)
-      lines.emplace_back(form.Li->ItemData(i), form.Li->List(i));
+      lines += std::to_string(form.Li->ItemData(i)) + " " + form.Li->List(i) + "\n";
     return lines;
   }
   // Shows the window modally and runs `steps` inside it; closes it if they leave it open.
@@ -83,7 +81,7 @@ TEST_F(ChunkViewer, OpenListsTheChosenSprite) {
   EXPECT_EQ(List(), Worked(0));
   EXPECT_EQ(Caption(form.lblFilename), path);
   form.scrSprite->SetValue(1);
-  EXPECT_EQ(List(), (Lines{{18, "Action sprite, 3 bytes"}}));
+  EXPECT_EQ(List(), "18 Action sprite, 3 bytes\n");
   EXPECT_EQ(Caption(form.lblSprite), "2");
   // A cancel changes nothing; the next file keeps the position as far as it can.
   fakes.Next.clear();
@@ -106,14 +104,14 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShows) {
     Bytes File;
     std::vector<Shown> Boxes;
     int16_t Max;
-    Lines Listed;  // of the position kept, 3, where there is one
+    std::string Listed;  // of the position kept, 3, where there is one
   } cases[] = {
       {"an invalid stream",
        grfw::File({WorkedRecord(), WorkedRecord(), WorkedRecord(), WorkedRecord(), invalid}),
        {{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}},
        3,
        Worked(45)},
-      {"no sprite", Bytes(20, 0), {}, 0, {}},
+      {"no sprite", Bytes(20, 0), {}, 0, ""},
       {"an invalid first sprite",
        grfw::File({invalid, WorkedRecord()}),
        {{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}},
@@ -124,7 +122,7 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShows) {
        Bytes(16, 0x7F),
        {{kMsgTooSmall, "Error", MsgBoxIcon::Exclamation}},
        5,
-       {{10, "Data chunk of 127 bytes, 7F 7F 7F 7F 7F"}}},
+       "10 Data chunk of 127 bytes, 7F 7F 7F 7F 7F\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Name);
@@ -158,7 +156,7 @@ TEST_F(ChunkViewer, AReadFailureStaysInTheTitleUntilTheWindowCloses) {
     EXPECT_EQ(QApplication::activeModalWidget(), &form);
     EXPECT_EQ(Caption(form.lblFilename), "No file opened");
     EXPECT_EQ(Caption(form.lblSprite), "1");
-    EXPECT_TRUE(List().empty());
+    EXPECT_EQ(List(), "");
     EXPECT_EQ(form.scrSprite->Max(), 0);
   });
   EXPECT_TRUE(form.Scan.FileData.empty());
@@ -187,5 +185,5 @@ TEST_F(ChunkViewer, FillsOvertakenByEvents) {
     Open(LongFile(), "long.grf");
   });
   EXPECT_LT(form.Li->ListCount(), 60);
-  WhileShown([&] { EXPECT_TRUE(List().empty()); });
+  WhileShown([&] { EXPECT_EQ(List(), ""); });
 }
