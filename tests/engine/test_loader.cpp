@@ -68,21 +68,6 @@ TEST(Loader, KnownFiles) {
   }
 }
 
-TEST(Loader, FieldsOfEachKindOfRecord) {
-  const Bytes worked = grfw::SeventeenByteFile();
-  const Loaded l =
-      Load(grfw::File({Bytes(worked.begin(), worked.end() - 2), grfw::ActionRecord(Bytes(10, 1)),
-                       grfw::PlainSprite(1, 1, {1}, -1, -32768, 0x41)}));
-  ASSERT_EQ(l.Count(), 3);
-  EXPECT_EQ(Facts(l.At(0)), std::make_tuple(0, 4, uint8_t{0}, 5, -2, 1, int16_t{2}, int16_t{2}));
-  EXPECT_EQ(Facts(l.At(1)),
-            std::make_tuple(4, 10, uint8_t{255}, 10, 0, 0, int16_t{10}, int16_t{1}));
-  EXPECT_EQ(Facts(l.At(2)),
-            std::make_tuple(14, 1, uint8_t{0x41}, 2, -1, -32768, int16_t{1}, int16_t{1}));
-  EXPECT_EQ(l.Outcome.Totals.CompressedTotal, 5 + 10 + 2);
-  EXPECT_EQ(l.Outcome.Totals.DecodedTotal, 4 + 10 + 1);
-}
-
 TEST(Loader, AKeptStoreStartsTheNextLoadFromZeros) {
   // The first file's last sprite spills a run of 127 pixels past the bytes written; the second
   // file's 100 x 50 sprite has no pixel at all and must read zero, as on a fresh store.

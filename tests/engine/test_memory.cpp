@@ -1,64 +1,40 @@
-// Whatever a file claims, a load holds no more than the store, the table and a small constant, and
-// a scan no more than the file and its tables. Counted by standing in for malloc in this program.
+// Whatever a file claims, a load holds no more than the store, the table and a little more, and a
+// scan with its chunk lists no more than the file, the tables and their lines. Each runs in a
+// child process whose address space may grow by only that much.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <malloc.h>
-
-#include <algorithm>
-#include <cstdlib>
+#include <fstream>
 
 #include "chunks.h"
 #include "grf.h"
 #include "grf_writer.h"
 
-extern "C" {
-void* __libc_malloc(size_t);
-void* __libc_calloc(size_t, size_t);
-void* __libc_realloc(void*, size_t);
-void __libc_free(void*);
-}
-
-namespace {
-
-int64_t live = 0, peak = 0;  // the tests run on one thread
-
-void* Held(void* p, int64_t before = 0) {
-  live += (p ? static_cast<int64_t>(malloc_usable_size(p)) : 0) - before;
-  peak = std::max(peak, live);
-  return p;
-}
-
-}  // namespace
-
-extern "C" {
-void* malloc(size_t n) {
-  return Held(__libc_malloc(n));
-}
-void* calloc(size_t n, size_t size) {
-  return Held(__libc_calloc(n, size));
-}
-void* realloc(void* old, size_t n) {
-  const int64_t before = old ? static_cast<int64_t>(malloc_usable_size(old)) : 0;
-  void* p = __libc_realloc(old, n);
-  return p ? Held(p, before) : p;
-}
-void free(void* p) {
-  live -= p ? static_cast<int64_t>(malloc_usable_size(p)) : 0;
-  __libc_free(p);
-}
-}
-
 namespace {
 
 using grfw::Bytes;
 
-// Peak bytes held above what was held before `work` ran.
+// Whether `work` runs to its end with room for `bytes` more of address space.
 template <typename Work>
-int64_t PeakOf(Work work) {
-  const int64_t base = live;
-  peak = base;
-  work();
-  return peak - base;
+bool FitsIn(int64_t bytes, Work work) {
+  const pid_t child = fork();
+  if (child == 0) {
+    int64_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlimit limit{static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE) + bytes), RLIM_INFINITY};
+    setrlimit(RLIMIT_AS, &limit);
+    try {
+      work();
+    } catch (...) {
+      _exit(1);
+    }
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 // Records that each claim far more than they hold: widths of 32,767 by 255 rows, length words of
@@ -73,28 +49,25 @@ Bytes Claims(int records) {
   return grfw::FileOf(all, false);
 }
 
-constexpr int64_t kTable = 32767 * static_cast<int64_t>(sizeof(SpriteRecord));
-constexpr int64_t kSmall = 256 * 1024;
-
 }  // namespace
 
 TEST(Memory, ALoadOrAScanHoldsLittleBesideTheStoreAndTheFile) {
+  constexpr int64_t kSmall = 256 << 10, kTable = 32767 * sizeof(SpriteRecord);
+  EXPECT_FALSE(
+      FitsIn(kSmall, [] { std::vector<uint8_t>(2 * kSmall, 1).swap(*new std::vector<uint8_t>); }));
   for (const Bytes& file : {Claims(4), Claims(40000)}) {
+    const int64_t size = static_cast<int64_t>(file.size());
     // The store, the table, the row buffer and its copy.
-    int64_t used = PeakOf([&] {
+    EXPECT_TRUE(FitsIn(kSpriteDataCapacity + kTable + 2 * kRowBufferSize + kSmall, [&] {
       SpriteStore store;
-      LoadSprites(file.data(), static_cast<int32_t>(file.size()), store, nullptr);
-    });
-    EXPECT_LE(used, kSpriteDataCapacity + kTable + 2 * kRowBufferSize + kSmall) << file.size();
-    // A copy of the file and three tables of at most 32,767 entries, grown by doubling; chunk
-    // lists that grow with the file, not with what a record claims.
-    ChunkScan scan;
-    used = PeakOf([&] { ScanBuffer(file, scan); });
-    EXPECT_LE(used, static_cast<int64_t>(file.size()) * 2 + 2 * 32767 * 9 + kSmall);
-    used = PeakOf([&] {
+      LoadSprites(file.data(), static_cast<int32_t>(size), store, nullptr);
+    })) << size;
+    // A copy of the file, three tables grown by doubling, and lines that grow with the file.
+    EXPECT_TRUE(FitsIn(size * 2 + 2 * 32767 * 9 + size * 64 + kSmall, [&] {
+      ChunkScan scan;
+      ScanBuffer(file, scan);
       for (int32_t v = 0; v < static_cast<int32_t>(scan.SpriteOffset.size()); ++v)
         ChunkList(scan, v);
-    });
-    EXPECT_LE(used, static_cast<int64_t>(file.size()) * 64 + kSmall) << file.size();
+    })) << size;
   }
 }
