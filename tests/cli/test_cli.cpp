@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <regex>
 
-#include "golden.h"
+#include "case_file.h"
 #include "grf_writer.h"
 #include "run_cli.h"
 

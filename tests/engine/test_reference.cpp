@@ -4,8 +4,8 @@
 
 #include <random>
 
+#include "case_file.h"
 #include "chunks.h"
-#include "golden.h"
 #include "load_helper.h"
 #include "reference.h"
 

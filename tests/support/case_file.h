@@ -1,11 +1,14 @@
-// Case lists kept as text files beside their tests: one case a line, with fields split at " |";
-// empty lines and lines that start with '#' are skipped. Texts may hold \r \n \t \\ and \xHH;
-// bytes are written in hex.
+// Data kept as text beside the tests. Case lists: one case a line, with fields split at " |";
+// empty lines and lines that start with '#' are skipped; texts may hold \r \n \t \\ and \xHH;
+// bytes are written in hex. Expected results: a result is compared with tests/golden/<name>, and
+// written there instead when VOSSEL_UPDATE_GOLDEN is set, to be reviewed as a diff.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -58,4 +61,19 @@ inline std::vector<uint8_t> Hex(const std::string& text) {
     if (x < w.size()) out.insert(out.end(), std::stoul(w.substr(x + 1)) - 1, out.back());
   }
   return out;
+}
+
+inline void ExpectGolden(const std::string& name, const std::string& text) {
+  const std::string path = std::string(VOSSEL_TESTS_DIR) + "/golden/" + name;
+  if (std::getenv("VOSSEL_UPDATE_GOLDEN") != nullptr) {
+    std::ofstream(path, std::ios::binary) << text;
+    return;
+  }
+  std::ifstream in(path, std::ios::binary);
+  const std::string want(std::istreambuf_iterator<char>(in), {});
+  const size_t at =
+      std::mismatch(want.begin(), want.end(), text.begin(), text.end()).first - want.begin();
+  EXPECT_TRUE(in && want == text) << path << " differs from line "
+                                  << 1 + std::count(want.begin(), want.begin() + at, '\n')
+                                  << "; VOSSEL_UPDATE_GOLDEN=1 writes it anew";
 }
