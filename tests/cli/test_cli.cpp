@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
+#include <sstream>
 
 #include "case_file.h"
 #include "grf_writer.h"
@@ -52,64 +53,33 @@ std::string Transcript(const std::vector<std::string>& args, const std::string& 
 
 }  // namespace
 
-// Every command on the files of every kind and on the real files, and every kind of wrong usage
-// and failure, against the checked-in transcript.
+// The runs of commands.txt: every command on files of every kind and on the real files, and
+// every kind of wrong usage and failure, against the checked-in transcript.
 TEST(Cli, Transcript) {
-  const std::string seventeen = grfw::WriteTemp("seventeen.grf", grfw::SeventeenByteFile());
-  const std::string kinds = grfw::WriteTemp("kinds.grf", Kinds());
-  const std::string tmp = fs::path(kinds).parent_path().string();
   const std::string lf = "JASC-PAL\n0100\n1\n1 2 3\n";
-  const std::string pal = grfw::WriteTemp("lf.pal", Bytes(lf.begin(), lf.end()));
-  const std::string png = tmp + "/sprite.png", base = VOSSEL_BASESET_DIR;
-  std::vector<std::vector<std::string>> commands = {{"list", seventeen},
-                                                    {"info", seventeen},
-                                                    {"chunks", seventeen, "1"},
-                                                    {"list", kinds},
-                                                    {"info", kinds}};
-  for (const char* n : {"1", "2", "3", "4", "5", "6", "7", "0", "8", "x", "99999999999"})
-    commands.push_back({"chunks", kinds, n});
-  for (const char* n : {"1", "2", "3", "4", "5", "6", "7"})
-    commands.push_back({"sprite", kinds, n});
-  if (fs::exists(base + "/openttd.grf")) {
-    for (const char* name : {"/openttd.grf", "/orig_extra.grf"})
-      commands.push_back({"info", base + name});
-    for (const char* n : {"1", "760", "796"})
-      commands.push_back({"chunks", base + "/openttd.grf", n});
-  }
-  const std::vector<std::vector<std::string>> failures = {
-      {},
-      {"frobnicate"},
-      {"--help"},
-      {"--version"},
-      {"list"},
-      {"info", "a", "b"},
-      {"list", "/nonexistent/x.grf"},
-      {"info", grfw::WriteTemp("empty.grf", {})},
-      {"info", grfw::WriteTemp("sixteen.grf", Bytes(16, 1))},
-      {"chunks", kinds},
-      {"chunks", kinds, "1", "2"},
-      {"chunks", grfw::WriteTemp("none.grf", Bytes(20, 0)), "1"},
-      {"sprite"},
-      {"sprite", kinds, "1", "--png"},
-      {"sprite", kinds, "1", "--png", "a", "--png", "b"},
-      {"sprite", kinds, "1", "--palette", "a", "--palette", "b"},
-      {"sprite", kinds, "1", "--jpg", "a"},
-      {"sprite", kinds, "1", "extra"},
-      {"sprite", kinds, "--png", "a", "1"},
-      {"sprite", kinds, "1", "--palette", pal},
-      {"sprite", kinds, "1", "--png", png, "--palette", pal},
-      {"sprite", kinds, "2", "--png", "/nonexistent/x.png"},
-      {"sprite", kinds, "6", "--png", png},
-      {"sprite", kinds, "2", "--png", png}};
-  commands.insert(commands.end(), failures.begin(), failures.end());
+  const std::string tmp =
+      fs::path(grfw::WriteTemp("lf.pal", Bytes(lf.begin(), lf.end()))).parent_path();
+  const std::pair<const char*, Bytes> files[] = {{"seventeen.grf", grfw::SeventeenByteFile()},
+                                                 {"kinds.grf", Kinds()},
+                                                 {"empty.grf", {}},
+                                                 {"sixteen.grf", Bytes(16, 1)},
+                                                 {"none.grf", Bytes(20, 0)}};
+  for (const auto& [name, bytes] : files) grfw::WriteTemp(name, bytes);
   std::string text;
-  for (const auto& args : commands) text += Transcript(args, tmp);
+  for (std::string line : CaseLines("cli/commands.txt")) {
+    line = std::regex_replace(line, std::regex("<tmp>"), tmp);
+    std::istringstream words(std::regex_replace(line, std::regex("<base>"), VOSSEL_BASESET_DIR));
+    std::vector<std::string> args;
+    for (std::string w; words >> w;)
+      if (w != "-") args.push_back(w);
+    text += Transcript(args, tmp);
+  }
   ExpectGolden("cli.txt", text);
   // Through a link, as installed, the palette beside the real program is found.
   fs::remove(tmp + "/vossel-cli-link");
   fs::create_symlink(VOSSEL_CLI_PATH, tmp + "/vossel-cli-link");
-  EXPECT_EQ(
-      std::system(
-          (tmp + "/vossel-cli-link sprite " + kinds + " 4 --png " + png + " 2>/dev/null").c_str()),
-      0);
+  EXPECT_EQ(std::system((tmp + "/vossel-cli-link sprite " + tmp + "/kinds.grf 4 --png " + tmp +
+                         "/sprite.png 2>/dev/null")
+                            .c_str()),
+            0);
 }

@@ -14,9 +14,14 @@
 
 using grfw::Bytes;
 using uitest::Shown;
-using uitest::WorkedRecord;
 
 namespace {
+
+// The worked example's record without its zero word: stream at 10, decoded size 4.
+Bytes WorkedRecord() {
+  const Bytes b = grfw::SeventeenByteFile();
+  return Bytes(b.begin(), b.end() - 2);
+}
 
 // The worked example's two lines, each item value and text, for a record that starts at `p`.
 std::string Worked(int32_t p) {

@@ -23,23 +23,6 @@ namespace uitest {
 
 namespace fs = std::filesystem;
 
-// WINEPREFIX at a fresh folder without a registry file; the current directory is put back.
-struct WinePrefix {
-  fs::path Folder = fs::temp_directory_path() / ("vossel-ui-wine-" + std::to_string(getpid()));
-  std::string OldDirectory = CurDir();
-  WinePrefix() {
-    fs::remove_all(Folder);
-    fs::create_directories(Folder);
-    setenv("WINEPREFIX", Folder.c_str(), 1);
-  }
-  ~WinePrefix() {
-    unsetenv("WINEPREFIX");
-    ChDir(OldDirectory);
-    std::error_code ignored;
-    fs::remove_all(Folder, ignored);
-  }
-};
-
 struct Shown {
   std::string Text, Title;
   MsgBoxIcon Icon;
@@ -47,13 +30,19 @@ struct Shown {
   friend void PrintTo(const Shown& s, std::ostream* os) { *os << s.Text << " | " << s.Title; }
 };
 
-// Message boxes are recorded; the Open dialog confirms Next (or cancels when it is empty) and
-// records its title, folder, filter list, flags and owner.
+// While it lives: WINEPREFIX names a fresh folder without a registry file (the current directory
+// comes back at the end); message boxes are recorded; the Open dialog records its title, folder,
+// filter list, flags and owner, and confirms Next, or cancels when Next is empty.
 struct Fakes {
+  fs::path Wine = fs::temp_directory_path() / ("vossel-ui-wine-" + std::to_string(getpid()));
+  std::string OldDirectory = CurDir();
   std::vector<Shown> Boxes;
   std::string Next;
   std::vector<std::tuple<std::string, std::string, std::string, uint32_t, int32_t>> Dialogs;
   Fakes() {
+    fs::remove_all(Wine);
+    fs::create_directories(Wine);
+    setenv("WINEPREFIX", Wine.c_str(), 1);
     SetMsgBoxHook([this](const std::string& text, const std::string& title, MsgBoxIcon icon) {
       Boxes.push_back({text, title, icon});
     });
@@ -70,6 +59,10 @@ struct Fakes {
   ~Fakes() {
     SetMsgBoxHook(nullptr);
     SetFileDialogOps({});
+    unsetenv("WINEPREFIX");
+    ChDir(OldDirectory);
+    std::error_code ignored;
+    fs::remove_all(Wine, ignored);
   }
 };
 
@@ -100,11 +93,5 @@ class WindowLog : public QObject {
  private:
   QWidget* window_;
 };
-
-// The worked example's record without its zero word: stream at 10, decoded size 4.
-inline grfw::Bytes WorkedRecord() {
-  const grfw::Bytes b = grfw::SeventeenByteFile();
-  return grfw::Bytes(b.begin(), b.end() - 2);
-}
 
 }  // namespace uitest
