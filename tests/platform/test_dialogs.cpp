@@ -98,7 +98,7 @@ TEST_F(FileDialog, SaveTakesTheNameUntrimmed) {
   EXPECT_EQ(seen.back().first, "Text\0*.txt"s);  // no second NUL of its own
 }
 
-TEST(QtDialogs, OpenAndSaveOnTheRealFileDialog) {
+TEST(QtDialogs, OpenOnTheRealFileDialog) {
   QTemporaryDir dir;
   QFile(dir.filePath("a.grf")).open(QIODevice::WriteOnly);
   const QString before = QDir::currentPath();
@@ -122,13 +122,6 @@ TEST(QtDialogs, OpenAndSaveOnTheRealFileDialog) {
   EXPECT_EQ(name, dir.filePath("a.grf").toStdString());
   EXPECT_EQ(fd.FilterIndex(), 2);
   EXPECT_EQ(QDir::current(), QDir(dir.path()));  // where the next dialog opens
-  WhenShown<QFileDialog>([&](QFileDialog* d) {
-    EXPECT_EQ(d->acceptMode(), QFileDialog::AcceptSave);
-    EXPECT_EQ(d->selectedFiles(), QStringList{dir.filePath("a.grf")});
-    d->reject();
-    return true;
-  });
-  EXPECT_FALSE(fd.FileSave(name));
   QDir::setCurrent(before);
 }
 

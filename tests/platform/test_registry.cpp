@@ -1,5 +1,5 @@
 // GetRegString against the case list in registry_cases.txt, each file in a Wine prefix of its own;
-// files that cannot be read, and Windows folders as Wine shows them.
+// and files that cannot be read. (Windows folders as Wine shows them are in the start-up test.)
 #include "registry.h"
 
 #include <sys/stat.h>
@@ -96,29 +96,4 @@ TEST_F(Registry, FilesThatCannotBeReadAreARegistryWithoutKeys) {
     ASSERT_EQ(chmod((prefix / "system.reg").c_str(), 0), 0);
     EXPECT_EQ(Ttd(), "none");
   }
-}
-
-TEST_F(Registry, WindowsFoldersAsWineShowsThem) {
-  fs::create_directories(prefix / "drive_c" / "ttd" / "Data");
-  fs::create_directories(prefix / "dosdevices");
-  fs::create_directory_symlink("../drive_c", prefix / "dosdevices" / "c:");
-  const std::string c = (prefix / "dosdevices" / "c:").string();
-  const std::pair<std::string, std::string> cases[] = {
-      {"C:\\ttd\\", c + "/ttd/"},
-      {"C:\\TTD\\DATA", c + "/ttd/Data"},  // names found without regard to case
-      {"c:/Ttd//data/", c + "/ttd/Data/"},
-      {"C:\\..\\..\\TTD\\.\\", c + "/ttd/"},
-      {"C:", c + "/"},
-      {"C:\\Games\\TTD\\", c + "/Games/TTD/"},  // not there: the name as it is
-      {"D:\\TTD", (prefix / "dosdevices" / "d:").string() + "/TTD"},
-      {"/usr/games/ttd/", "/usr/games/ttd/"},
-      {"", ""},
-      {"TTD\\", ""},
-      {"1:\\TTD", ""},
-      {"\\\\server\\share\\TTD", ""},
-  };
-  for (const auto& [windows, linux] : cases)
-    EXPECT_EQ(WineFolderToLinux(windows), linux) << windows;
-  EXPECT_EQ(fs::canonical(WineFolderToLinux("C:\\TTD\\")),
-            fs::canonical(prefix / "drive_c" / "ttd"));
 }

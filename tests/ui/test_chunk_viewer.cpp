@@ -88,17 +88,6 @@ TEST_F(ChunkViewer, OpenListsTheChosenSprite) {
   form.scrSprite->SetValue(1);
   EXPECT_EQ(List(), "18 Action sprite, 3 bytes\n");
   EXPECT_EQ(Caption(form.lblSprite), "2");
-  // A cancel changes nothing; the next file keeps the position as far as it can.
-  fakes.Next.clear();
-  form.mnuOpen_Click();
-  EXPECT_EQ(Caption(form.lblFilename), path);
-  Open(WorkedFile(5));
-  EXPECT_EQ(List(), Worked(15));
-  form.scrSprite->SetValue(4);
-  Open(WorkedFile(2));
-  EXPECT_EQ(form.scrSprite->Value(), 1);
-  EXPECT_EQ(List(), Worked(15));
-  EXPECT_EQ(Caption(form.lblSprite), "2");
   EXPECT_TRUE(fakes.Boxes.empty());
 }
 
