@@ -1,5 +1,5 @@
-// What the window tests share: a Wine prefix of their own, the message box and the Open dialog
-// replaced by recorders, and a log of a window's captions and enabled states.
+// What the window tests share: a Wine prefix of their own, and the message box and the Open
+// dialog replaced by recorders.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,9 +9,6 @@
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <QEvent>
-#include <QWidget>
 
 #include "controls.h"
 #include "filedialog.h"
@@ -73,25 +70,5 @@ inline auto OpenDialog(const std::string& folder, int32_t owner) {
                          "Transport Tycoon GRF file (*.grf)\0*.grf\0All files (*.*)\0*.*"s,
                          uint32_t{4}, owner);
 }
-
-// Every caption and enabled state the window takes: "caption:<text>", "enabled", "disabled".
-class WindowLog : public QObject {
- public:
-  std::vector<std::string> Entries;
-  explicit WindowLog(QWidget* window) : window_(window) { window->installEventFilter(this); }
-  ~WindowLog() override { window_->removeEventFilter(this); }
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (watched == window_ && event->type() == QEvent::WindowTitleChange)
-      Entries.push_back("caption:" + Caption(window_));
-    if (watched == window_ && event->type() == QEvent::EnabledChange)
-      Entries.push_back(window_->isEnabled() ? "enabled" : "disabled");
-    return false;
-  }
-
- private:
-  QWidget* window_;
-};
 
 }  // namespace uitest
