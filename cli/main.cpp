@@ -22,6 +22,8 @@ const char kUsage[] =
     "  sprite FILE N [--png OUT] [--palette PAL]\n"
     "                                     the facts of sprite N (from 1), and its pixels as PNG\n"
     "  chunks FILE N                      how sprite N (from 1) is stored, chunk by chunk\n"
+    "  export FILE DIR [--palette PAL] [--force]\n"
+    "                                     every sprite as a PNG file (pseudo-sprites as .bin)\n"
     "\n"
     "Options:\n"
     "  --help       this text\n"
@@ -52,6 +54,7 @@ int main(int argc, char** argv) {
   if (command == "info") return CmdInfo(args);
   if (command == "sprite") return CmdSprite(args);
   if (command == "chunks") return CmdChunks(args);
+  if (command == "export") return CmdExport(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }
