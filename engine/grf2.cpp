@@ -342,12 +342,13 @@ GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
     const int64_t spriteSection = 14 + static_cast<int64_t>(offset);
     const bool inside = Fits(kGrfV2HeaderSize, spriteSection - kGrfV2HeaderSize, end);
     IndexDataSection(ix, inside ? spriteSection : end);
-    std::vector<IdGroup> groups;
-    if (inside)
-      groups = IndexSpriteSection(ix, spriteSection);
-    else
+    // Without a sprite section every reference is missing; the one problem says so.
+    if (inside) {
+      std::vector<IdGroup> groups = IndexSpriteSection(ix, spriteSection);
+      ResolveReferences(ix, groups);
+    } else {
       Stop(ix, {GrfV2Result::SpriteSectionOutside, 10, 0, 0, spriteSection});
-    ResolveReferences(ix, groups);
+    }
   }
   if (message && index.ProblemCount > kV2ProblemMessages)
     message("And " + std::to_string(index.ProblemCount - kV2ProblemMessages) +
@@ -471,6 +472,9 @@ GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alt
   // A chunk decodes to at most eight times its bytes, so a stream too short for its size is told
   // before any memory is taken for it.
   if (decoded > 8 * a.StreamSize) return GrfV2Result::StreamShort;
+  // Tile form holds at least a row offset and a run head for every row.
+  if ((a.Info & kV2Tile) && decoded < 4 * static_cast<int64_t>(a.Height))
+    return GrfV2Result::TileOutside;
 
   std::vector<uint8_t> raw(static_cast<size_t>(decoded));
   int32_t readPos = 0, outPos = 0;
