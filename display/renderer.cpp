@@ -95,14 +95,15 @@ QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
 }
 
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight) {
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                QColor background) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
 
-  canvas.fill(QColor(Qt::white));
+  canvas.fill(background);
   if (bitmap.isNull() || canvas.isNull()) return true;
 
   // Only the part that falls on the canvas is copied.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <QColor>
 #include <QImage>
 
 #include "grf.h"
@@ -29,11 +30,13 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
 
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
-// canvas is wiped to white, then the sprite is copied unscaled and opaque at its placement,
-// clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight` picSprite.ScaleHeight.
-// Returns false, with the canvas untouched, when the table holds no record at `index`.
+// canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
+// and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
+// picSprite.ScaleHeight. Returns false, with the canvas untouched, when the table holds no record
+// at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight);
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                QColor background = Qt::white);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);
