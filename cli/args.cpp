@@ -19,7 +19,9 @@ bool IsOptionWord(const std::string& arg, const std::vector<std::string>& option
 }
 
 std::string Dashed(const QString& name) {
-  return (name.size() == 1 ? "-" : "--") + name.toStdString();
+  std::string dashed(name.size() == 1 ? 1 : 2, '-');
+  dashed += name.toStdString();
+  return dashed;
 }
 
 }  // namespace

@@ -63,8 +63,10 @@ bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& 
     return true;
   }
   std::string wanted = wish.Depth != 0 ? std::to_string(wish.Depth) + "bpp" : "";
-  if (wish.Zoom >= 0)
-    wanted += (wanted.empty() ? "" : " ") + ZoomName(static_cast<uint8_t>(wish.Zoom));
+  if (wish.Zoom >= 0) {
+    if (!wanted.empty()) wanted += ' ';
+    wanted += ZoomName(static_cast<uint8_t>(wish.Zoom));
+  }
   std::fprintf(stderr, "vossel-cli: sprite %d has no %s alternative; it has: %s\n",
                static_cast<int>(index + 1), wanted.c_str(),
                present.empty() ? "none" : present.c_str());
