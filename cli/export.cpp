@@ -1,5 +1,6 @@
-// vossel-cli export FILE DIR: every sprite of FILE as its own file in DIR, for image editors and
-// scripts. Pictures become PNG files, pseudo-sprites files of their bytes.
+// vossel-cli export FILE DIR: every sprite of FILE, and every alternative of a version-2 sprite,
+// as its own file in DIR, for image editors and scripts. Pictures become PNG files,
+// pseudo-sprites files of their bytes.
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,26 +29,29 @@ const char kExportUsage[] = "Usage: vossel-cli export FILE DIR [--palette PAL] [
 
 enum class ExportKind : uint8_t { Picture, Bytes };
 
-// One file to write: its name in DIR and the sprite it comes from.
+// One file to write: its name in DIR and the sprite (and alternative) it comes from.
 struct ExportItem {
   QString Name;
-  int32_t Sprite = 0;  // from 0
+  int32_t Sprite = 0;        // from 0
+  int32_t Alternative = -1;  // version 2: index in the file's alternatives; -1 for data entries
   ExportKind Kind = ExportKind::Picture;
 };
 
 // What one file holds: a picture with the sprite's offsets, or bytes. A null picture of a
-// Picture item has no pixels and gives no file.
+// Picture item gives no file: it has no pixels, or could not be decoded for `Problem`.
 struct ExportContent {
   QImage Picture;
   int32_t XOffset = 0;
   int32_t YOffset = 0;
   QByteArray Bytes;
+  std::string Problem;
 };
 
 struct ExportTally {
   int32_t Pictures = 0;
   int32_t ByteFiles = 0;
   int32_t WithoutPixels = 0;
+  int32_t Undecoded = 0;
 };
 
 int UsageError(const QString& why) {
@@ -69,19 +73,62 @@ QString NumberStem(int32_t index, int digits) {
 
 // A version-1 file: each sprite one file; a sprite without pixels none.
 std::vector<ExportItem> PlanSprites(const CliLoad& load, ExportTally& tally) {
-  const int32_t count = load.Outcome.Totals.Count;
+  const int32_t count = SpriteCount(load);
   const int digits = NameDigits(count);
   std::vector<ExportItem> items;
   for (int32_t i = 0; i < count; ++i) {
     const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(i)];
     if (r.Flags == kActionFlags)
-      items.push_back({NumberStem(i, digits) + QStringLiteral(".bin"), i, ExportKind::Bytes});
+      items.push_back({NumberStem(i, digits) + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
     else if (r.Width > 0 && r.Height > 0)
-      items.push_back({NumberStem(i, digits) + QStringLiteral(".png"), i, ExportKind::Picture});
+      items.push_back({NumberStem(i, digits) + QStringLiteral(".png"), i, -1, ExportKind::Picture});
     else
       ++tally.WithoutPixels;
   }
   return items;
+}
+
+// A version-2 file: data entries as their bytes, and every alternative of a sprite as its own
+// file; the 8-bit one at normal zoom, the only kind a version-1 file has, under the number alone.
+std::vector<ExportItem> PlanAlternatives(const CliLoad& load, ExportTally& tally) {
+  const int32_t count = SpriteCount(load);
+  const int digits = NameDigits(count);
+  std::vector<ExportItem> items;
+  for (int32_t i = 0; i < count; ++i) {
+    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(i)];
+    const QString stem = NumberStem(i, digits);
+    if (s.Info != kV2Reference) {
+      items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
+      continue;
+    }
+    if (s.AlternativeCount == 0) ++tally.WithoutPixels;
+    QStringList taken;
+    for (int32_t k = 0; k < s.AlternativeCount; ++k) {
+      const int32_t index = s.FirstAlternative + k;
+      const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(index)];
+      const bool data = a.Info == kV2Pseudo;
+      QString name = stem;
+      if (!data && (a.Zoom != kZoomNormal || AlternativeDepth(a) != 8))
+        name += QLatin1Char('-') +
+                QString::fromStdString(AlternativeName(a)).replace(QLatin1Char(' '), '-');
+      // Two alternatives of one kind keep apart by their place.
+      if (taken.contains(name)) name += QLatin1Char('-') + QString::number(k + 1);
+      taken << name;
+      if (!data && (a.Width == 0 || a.Height == 0))
+        ++tally.WithoutPixels;
+      else
+        items.push_back({name + (data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, index,
+                         data ? ExportKind::Bytes : ExportKind::Picture});
+    }
+  }
+  return items;
+}
+
+// `size` bytes from `offset` of `bytes`, as far as they lie inside.
+QByteArray BytesAt(const uint8_t* bytes, int64_t length, int64_t offset, int64_t size) {
+  const int64_t begin = std::clamp<int64_t>(offset, 0, length);
+  const int64_t end = begin + std::clamp<int64_t>(size, 0, length - begin);
+  return QByteArray(reinterpret_cast<const char*>(bytes + begin), end - begin);
 }
 
 ExportContent SpriteContent(const CliLoad& load, const PaletteBuffer& palette,
@@ -91,15 +138,40 @@ ExportContent SpriteContent(const CliLoad& load, const PaletteBuffer& palette,
   const auto dataSize = static_cast<int32_t>(load.Store.SpriteData.size());
   ExportContent content;
   if (item.Kind == ExportKind::Bytes) {
-    // Only bytes inside the store; the loader keeps every record within it.
-    const int32_t begin = std::clamp(r.DataOffset, 0, dataSize);
-    const int32_t size = std::clamp(r.Size, 0, dataSize - begin);
-    content.Bytes = QByteArray(reinterpret_cast<const char*>(data + begin), size);
+    content.Bytes = BytesAt(data, dataSize, r.DataOffset, r.Size);
     return content;
   }
   content.Picture = SpriteBitmap(r, data, dataSize, palette);
   content.XOffset = r.XOffset;
   content.YOffset = r.YOffset;
+  return content;
+}
+
+// An alternative decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not
+// applied); data entries and non-image data as their bytes.
+ExportContent AlternativeContent(const CliLoad& load, const PaletteBuffer& palette,
+                                 const ExportItem& item) {
+  const auto length = static_cast<int64_t>(load.Bytes.size());
+  ExportContent content;
+  if (item.Alternative < 0) {
+    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(item.Sprite)];
+    content.Bytes = BytesAt(load.Bytes.data(), length, s.DataOffset, s.DataSize);
+    return content;
+  }
+  const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(item.Alternative)];
+  if (item.Kind == ExportKind::Bytes) {
+    content.Bytes = BytesAt(load.Bytes.data(), length, a.StreamOffset, a.StreamSize);
+    return content;
+  }
+  GrfV2Image image;
+  const GrfV2Result result = DecodeAlternative(load.Bytes.data(), load.Bytes.size(), a, image);
+  if (result != GrfV2Result::Ok) {
+    content.Problem = "sprite " + std::to_string(item.Sprite + 1) + ": " + DecodeText(result, a);
+    return content;
+  }
+  content.Picture = ImageBitmap(image, palette);
+  content.XOffset = image.XOffset;
+  content.YOffset = image.YOffset;
   return content;
 }
 
@@ -154,11 +226,19 @@ class ProgressLine {
     std::fprintf(stderr, "\rExporting: %d of %d files (%d%%)", done, total_, percent);
     std::fflush(stderr);
   }
-  ~ProgressLine() {
-    if (shown_ && last_ >= 0) std::fputs("\r\033[K", stderr);
+  // A message on a line of its own; the count comes back with the next step.
+  void Say(const std::string& text) {
+    Clear();
+    std::fprintf(stderr, "vossel-cli: %s\n", text.c_str());
   }
+  ~ProgressLine() { Clear(); }
 
  private:
+  void Clear() {
+    if (shown_ && last_ >= 0) std::fputs("\r\033[K", stderr);
+    last_ = -1;
+  }
+
   bool shown_;
   int32_t total_;
   int32_t last_ = -1;
@@ -193,6 +273,11 @@ void WriteSome(const QDir& dir, const std::vector<ExportItem>& items, const Cont
     QString error;
     const bool written = empty || WriteAtomically(dir.filePath(item.Name), content, error);
     const std::lock_guard lock(run.Lock);
+    if (!content.Problem.empty()) {
+      progress.Say(content.Problem);
+      ++run.Tally.Undecoded;
+      continue;
+    }
     if (!written) {
       if (!run.Failed) {
         run.FailedPath = dir.filePath(item.Name);
@@ -231,6 +316,7 @@ void PrintSummary(const ExportTally& tally, int32_t sprites, const QString& dir)
               tally.Pictures + tally.ByteFiles, sprites, qPrintable(dir), tally.Pictures,
               tally.ByteFiles);
   if (tally.WithoutPixels > 0) std::printf("; %d without pixels have no file", tally.WithoutPixels);
+  if (tally.Undecoded > 0) std::printf("; %d could not be decoded", tally.Undecoded);
   std::printf("\n");
 }
 
@@ -264,7 +350,8 @@ int CmdExport(const std::vector<std::string>& args) {
   CliLoad load;
   if (LoadForCli(fileName, load) != kExitOk) return kExitFailure;
   ExportTally tally;
-  const std::vector<ExportItem> items = PlanSprites(load, tally);
+  const std::vector<ExportItem> items =
+      load.V2 ? PlanAlternatives(load, tally) : PlanSprites(load, tally);
 
   const QDir dir(dirName);
   int32_t existing = 0;
@@ -282,11 +369,15 @@ int CmdExport(const std::vector<std::string>& args) {
 
   QString failed, error;
   const bool done = WriteItems(
-      dir, items, [&](const ExportItem& item) { return SpriteContent(load, palette, item); }, tally,
-      failed, error);
+      dir, items,
+      [&](const ExportItem& item) {
+        return load.V2 ? AlternativeContent(load, palette, item)
+                       : SpriteContent(load, palette, item);
+      },
+      tally, failed, error);
   if (!done)
     std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", qPrintable(failed),
                  qPrintable(error));
-  PrintSummary(tally, load.Outcome.Totals.Count, dirName);
+  PrintSummary(tally, SpriteCount(load), dirName);
   return done ? kExitOk : kExitFailure;
 }

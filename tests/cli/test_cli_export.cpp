@@ -4,12 +4,14 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 
 #include <QImage>
 
 #include "grf.h"
+#include "grf2.h"
 #include "grf_writer.h"
 #include "palette.h"
 #include "run_cli.h"
@@ -36,36 +38,48 @@ struct Expected {
   PaletteBuffer Palette{};
 };
 
+PaletteBuffer ShippedPalette() {
+  PaletteBuffer palette{};
+  const fs::path shipped = fs::path(VOSSEL_CLI_PATH).parent_path() / kPaletteFileName;
+  EXPECT_EQ(LoadPalette(shipped.string(), palette), -1);
+  return palette;
+}
+
 Expected ExpectedOf(const grfw::Bytes& file) {
   Expected e;
-  e.Count = LoadSprites(file.data(), int32_t(file.size()), e.Store, [](const std::string&) {
-            }).Totals.Count;
-  const fs::path shipped = fs::path(VOSSEL_CLI_PATH).parent_path() / kPaletteFileName;
-  EXPECT_EQ(LoadPalette(shipped.string(), e.Palette), -1);
+  const auto ignore = [](const std::string&) {};
+  e.Count = LoadSprites(file.data(), int32_t(file.size()), e.Store, ignore).Totals.Count;
+  e.Palette = ShippedPalette();
   return e;
+}
+
+// The PNG has the size, the offsets and, pixel by pixel, the colours asked for.
+void ExpectPicture(const fs::path& path, int width, int height, int x, int y,
+                   const std::function<QRgb(int, int)>& colour) {
+  QImage png;
+  ASSERT_TRUE(png.load(QString::fromStdString(path.string()), "PNG")) << path;
+  EXPECT_EQ(png.text("XOffset"), QString::number(x)) << path;
+  EXPECT_EQ(png.text("YOffset"), QString::number(y)) << path;
+  ASSERT_EQ(png.size(), QSize(width, height)) << path;
+  for (int row = 0; row < height; ++row)
+    for (int column = 0; column < width; ++column)
+      ASSERT_EQ(png.pixel(column, row), colour(column, row)) << path << " " << column << "," << row;
+}
+
+QRgb PaletteColour(const PaletteBuffer& p, size_t i) {
+  return qRgb(p[4 * i + 2], p[4 * i + 1], p[4 * i]);
 }
 
 // The file written for sprite `index` holds its bytes, or its pixels in the palette's colours
 // and its offsets.
 void ExpectExported(const fs::path& dir, const std::string& stem, const Expected& e, int index) {
-  SCOPED_TRACE(stem);
   const SpriteRecord& r = e.Store.SpriteTable[size_t(index)];
   const uint8_t* bytes = e.Store.SpriteData.data() + r.DataOffset;
-  if (r.Flags == kActionFlags) {
-    EXPECT_EQ(ReadAll(dir / (stem + ".bin")), grfw::Bytes(bytes, bytes + r.Size));
-    return;
-  }
-  QImage png;
-  ASSERT_TRUE(png.load(QString::fromStdString((dir / (stem + ".png")).string()), "PNG"));
-  EXPECT_EQ(png.text("XOffset"), QString::number(r.XOffset));
-  EXPECT_EQ(png.text("YOffset"), QString::number(r.YOffset));
-  ASSERT_EQ(png.size(), QSize(r.Width, r.Height));
-  for (int y = 0; y < r.Height; ++y)
-    for (int x = 0; x < r.Width; ++x) {
-      const size_t i = bytes[y * r.Width + x];
-      const auto& p = e.Palette;
-      ASSERT_EQ(png.pixel(x, y), qRgb(p[4 * i + 2], p[4 * i + 1], p[4 * i])) << x << "," << y;
-    }
+  if (r.Flags == kActionFlags)
+    EXPECT_EQ(ReadAll(dir / (stem + ".bin")), grfw::Bytes(bytes, bytes + r.Size)) << stem;
+  else
+    ExpectPicture(dir / (stem + ".png"), r.Width, r.Height, r.XOffset, r.YOffset,
+                  [&](int x, int y) { return PaletteColour(e.Palette, bytes[y * r.Width + x]); });
 }
 
 size_t FilesIn(const fs::path& dir) {
@@ -181,5 +195,65 @@ TEST(CliExport, UsageAndRefusals) {
     const CliRun run = RunCli(c.Args);
     EXPECT_EQ(run.Status, c.Status) << c.Args.back();
     EXPECT_NE(run.Err, "") << c.Args.back();
+  }
+}
+
+TEST(CliExport, EveryAlternativeOfAVersion2FileItsOwnFile) {
+  const grfw::Image2 eight{0x04, 0, 3, 2, -1, 2, {1, 2, 3, 4, 5, 6}};
+  const grfw::Image2 rgba{0x03, 0, 2, 1, 0, -3, {10, 20, 30, 40, 50, 60, 70, 0}};
+  const grfw::Image2 masked{0x05, 1, 2, 1, 4, 5, {1, 2, 3, 9, 4, 5, 6, 9}};
+  // Sprite 1: three alternatives; 2: a pseudo-sprite; 3: non-image data; 4: a missing id; 5: a
+  // stream that ends too soon.
+  const grfw::Bytes file = grfw::V2File(
+      {grfw::V2Ref(1), grfw::V2Data(0xFF, {9, 8, 7}), grfw::V2Ref(2), grfw::V2Ref(99),
+       grfw::V2Ref(3)},
+      {grfw::V2Sprite(1, eight), grfw::V2Sprite(1, rgba), grfw::V2Sprite(1, masked),
+       grfw::V2Raw(2, {0xFF, 5, 6}), grfw::V2Raw(3, {0x04, 0, 2, 0, 2, 0, 0, 0, 0, 0, 1, 7})});
+  const fs::path dir = FreshFolder("export-v2");
+  const CliRun run = RunCli({"export", grfw::WriteTemp("v2-export.grf", file), dir.string()});
+  ASSERT_EQ(run.Status, 0) << run.Err;
+  EXPECT_EQ(run.Out, "Wrote 5 files for 5 sprites to " + dir.string() +
+                         ": 3 PNG, 2 BIN; 1 without pixels have no file; 1 could not be decoded\n");
+  EXPECT_NE(run.Err.find("vossel-cli: sprite 5: "), std::string::npos) << run.Err;
+  EXPECT_EQ(FilesIn(dir), 5u);
+
+  const PaletteBuffer palette = ShippedPalette();
+  ExpectPicture(dir / "0001.png", 3, 2, -1, 2,
+                [&](int x, int y) { return PaletteColour(palette, eight.pixels[y * 3 + x]); });
+  ExpectPicture(dir / "0001-32bpp-normal.png", 2, 1, 0, -3, [&](int x, int) {
+    const uint8_t* p = &rgba.pixels[4 * x];
+    return qRgba(p[0], p[1], p[2], p[3]);
+  });
+  // The mask layer is left out.
+  ExpectPicture(dir / "0001-32bpp-in4.png", 2, 1, 4, 5, [&](int x, int) {
+    const uint8_t* p = &masked.pixels[4 * x];
+    return qRgb(p[0], p[1], p[2]);
+  });
+  EXPECT_EQ(ReadAll(dir / "0002.bin"), grfw::Bytes({9, 8, 7}));
+  EXPECT_EQ(ReadAll(dir / "0003.bin"), grfw::Bytes({5, 6}));
+}
+
+TEST(CliExport, RealVersion2FileReadsBackAsItsDecodedAlternatives) {
+  const fs::path real = fs::path(VOSSEL_BASESET_DIR) / "opengfx" / "ogfxi_logos.grf";
+  if (!fs::exists(real)) GTEST_SKIP() << real << " is not installed";
+  const grfw::Bytes bytes = ReadAll(real);
+  GrfV2Index index;
+  IndexGrfV2(bytes.data(), bytes.size(), index, [](const std::string&) {});
+  const fs::path dir = FreshFolder("export-real-v2");
+  const CliRun run = RunCli({"export", real.string(), dir.string()});
+  ASSERT_EQ(run.Status, 0) << run.Err;
+  EXPECT_EQ(FilesIn(dir), index.Alternatives.size());
+  const PaletteBuffer palette = ShippedPalette();
+  for (size_t i = 0; i < index.Sprites.size(); i += 9) {
+    const GrfV2Sprite& s = index.Sprites[i];
+    ASSERT_EQ(s.AlternativeCount, 1);
+    GrfV2Image image;
+    const GrfV2Alternative& a = index.Alternatives[size_t(s.FirstAlternative)];
+    ASSERT_EQ(DecodeAlternative(bytes.data(), bytes.size(), a, image), GrfV2Result::Ok);
+    const std::string number = std::to_string(i + 1);
+    ExpectPicture(dir / (std::string(4 - number.size(), '0') + number + ".png"), image.Width,
+                  image.Height, image.XOffset, image.YOffset, [&](int x, int y) {
+                    return PaletteColour(palette, image.Indices[size_t(y * image.Width + x)]);
+                  });
   }
 }
