@@ -185,6 +185,11 @@ TEST(GrfV2, DamagedFilesSayWhatAndKeepTheRest) {
       EXPECT_EQ(o.Decode(0, picture), R::Ok);
     }
   }
+  // Many problems: the first ones as messages, then one that counts the rest.
+  const Opened many = Open(file(std::vector<Bytes>(25, grfw::V2Ref(4)), {}));
+  EXPECT_EQ(many.Index.ProblemCount, 25);
+  ASSERT_EQ(many.Messages.size(), size_t(kV2ProblemMessages) + 1);
+  EXPECT_EQ(many.Messages.back(), "And 5 more problems in this file");
 }
 
 TEST(GrfV2, OpenGfxFilesDecodeWhole) {
