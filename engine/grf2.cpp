@@ -230,6 +230,25 @@ void PutPixels(const uint8_t* from, int64_t n, int64_t cell, GrfV2Image& image) 
   }
 }
 
+// A run's head at `pos`, which moves behind it: the pixel count with the row's last-run bit in
+// its top bit, then the first column; a byte each up to width 256, two bytes each when wider.
+bool RunHead(const Reader& r, int64_t& pos, bool wide, int64_t& length, int64_t& x, bool& last) {
+  uint16_t head = 0, at = 0;
+  uint8_t head8 = 0, at8 = 0;
+  const bool read =
+      wide ? U16(r, pos, head) && U16(r, pos + 2, at) : U8(r, pos, head8) && U8(r, pos + 1, at8);
+  if (!wide) {
+    head = head8;
+    at = at8;
+  }
+  const uint16_t lastBit = wide ? 0x8000 : 0x80;
+  last = head & lastBit;
+  length = head & (lastBit - 1);
+  x = at;
+  pos += wide ? 4 : 2;
+  return read;
+}
+
 // Places the runs of the tile form held in `raw`: one offset per row, then each row's runs.
 GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& a,
                        GrfV2Image& image) {
@@ -250,21 +269,7 @@ GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& 
     }
     for (bool last = false; !last;) {
       int64_t length = 0, x = 0;
-      if (wide) {
-        uint16_t head = 0, at = 0;
-        if (!U16(r, pos, head) || !U16(r, pos + 2, at)) return GrfV2Result::TileOutside;
-        last = head & 0x8000;
-        length = head & 0x7FFF;
-        x = at;
-        pos += 4;
-      } else {
-        uint8_t head = 0, at = 0;
-        if (!U8(r, pos, head) || !U8(r, pos + 1, at)) return GrfV2Result::TileOutside;
-        last = head & 0x80;
-        length = head & 0x7F;
-        x = at;
-        pos += 2;
-      }
+      if (!RunHead(r, pos, wide, length, x, last)) return GrfV2Result::TileOutside;
       if (!Fits(x, length, a.Width) || !Fits(pos, length * pixelSize, r.End))
         return GrfV2Result::TileOutside;
       PutPixels(raw.data() + pos, length, y * a.Width + x, image);

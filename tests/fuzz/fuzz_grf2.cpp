@@ -15,11 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The fuzzer's memory limit is below the decoder's 64 MiB, which the tests cover.
     if (int64_t{a.Width} * a.Height * 5 > 16 * 1024 * 1024) continue;
     GrfV2Image image;
-    if (DecodeAlternative(data, size, a, image) == GrfV2Result::Ok) {
-      const size_t cells = size_t{a.Width} * a.Height;
-      if (!image.Rgba.empty() && image.Rgba.size() != 4 * cells) std::abort();
-      if (!image.Indices.empty() && image.Indices.size() != cells) std::abort();
-    }
+    const size_t cells = size_t{a.Width} * a.Height;
+    if (DecodeAlternative(data, size, a, image) != GrfV2Result::Ok) continue;
+    // Each layer is absent or holds every cell.
+    if ((!image.Rgba.empty() && image.Rgba.size() != 4 * cells) ||
+        (!image.Indices.empty() && image.Indices.size() != cells))
+      std::abort();
   }
   for (const GrfV2Sprite& s : index.Sprites) {
     if (s.DataOffset + s.DataSize > length) std::abort();
