@@ -71,55 +71,58 @@ QString NumberStem(int32_t index, int digits) {
   return QString::number(index + 1).rightJustified(digits, QLatin1Char('0'));
 }
 
-// A version-1 file: each sprite one file; a sprite without pixels none.
-std::vector<ExportItem> PlanSprites(const CliLoad& load, ExportTally& tally) {
-  const int32_t count = SpriteCount(load);
-  const int digits = NameDigits(count);
-  std::vector<ExportItem> items;
-  for (int32_t i = 0; i < count; ++i) {
-    const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(i)];
-    if (r.Flags == kActionFlags)
-      items.push_back({NumberStem(i, digits) + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
-    else if (r.Width > 0 && r.Height > 0)
-      items.push_back({NumberStem(i, digits) + QStringLiteral(".png"), i, -1, ExportKind::Picture});
-    else
-      ++tally.WithoutPixels;
-  }
-  return items;
+// A version-1 sprite: one file, or none without pixels.
+void PlanSprite(const CliLoad& load, int32_t i, const QString& stem, std::vector<ExportItem>& items,
+                ExportTally& tally) {
+  const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(i)];
+  if (r.Flags == kActionFlags)
+    items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
+  else if (r.Width > 0 && r.Height > 0)
+    items.push_back({stem + QStringLiteral(".png"), i, -1, ExportKind::Picture});
+  else
+    ++tally.WithoutPixels;
 }
 
-// A version-2 file: data entries as their bytes, and every alternative of a sprite as its own
-// file; the 8-bit one at normal zoom, the only kind a version-1 file has, under the number alone.
-std::vector<ExportItem> PlanAlternatives(const CliLoad& load, ExportTally& tally) {
+// A version-2 sprite: a data entry as its bytes, and every alternative as its own file; the
+// 8-bit one at normal zoom, the only kind a version-1 file has, under the number alone.
+void PlanAlternatives(const CliLoad& load, int32_t i, const QString& stem,
+                      std::vector<ExportItem>& items, ExportTally& tally) {
+  const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(i)];
+  if (s.Info != kV2Reference) {
+    items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
+    return;
+  }
+  if (s.AlternativeCount == 0) ++tally.WithoutPixels;
+  QStringList taken;
+  for (int32_t k = 0; k < s.AlternativeCount; ++k) {
+    const int32_t index = s.FirstAlternative + k;
+    const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(index)];
+    const bool data = a.Info == kV2Pseudo;
+    QString name = stem;
+    if (!data && (a.Zoom != kZoomNormal || AlternativeDepth(a) != 8))
+      name += QLatin1Char('-') +
+              QString::fromStdString(AlternativeName(a)).replace(QLatin1Char(' '), '-');
+    // Two alternatives of one kind keep apart by their place.
+    if (taken.contains(name)) name += QLatin1Char('-') + QString::number(k + 1);
+    taken << name;
+    if (!data && (a.Width == 0 || a.Height == 0))
+      ++tally.WithoutPixels;
+    else
+      items.push_back({name + (data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, index,
+                       data ? ExportKind::Bytes : ExportKind::Picture});
+  }
+}
+
+// The files of every sprite, in sprite order.
+std::vector<ExportItem> PlanFiles(const CliLoad& load, ExportTally& tally) {
   const int32_t count = SpriteCount(load);
   const int digits = NameDigits(count);
   std::vector<ExportItem> items;
   for (int32_t i = 0; i < count; ++i) {
-    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(i)];
-    const QString stem = NumberStem(i, digits);
-    if (s.Info != kV2Reference) {
-      items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
-      continue;
-    }
-    if (s.AlternativeCount == 0) ++tally.WithoutPixels;
-    QStringList taken;
-    for (int32_t k = 0; k < s.AlternativeCount; ++k) {
-      const int32_t index = s.FirstAlternative + k;
-      const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(index)];
-      const bool data = a.Info == kV2Pseudo;
-      QString name = stem;
-      if (!data && (a.Zoom != kZoomNormal || AlternativeDepth(a) != 8))
-        name += QLatin1Char('-') +
-                QString::fromStdString(AlternativeName(a)).replace(QLatin1Char(' '), '-');
-      // Two alternatives of one kind keep apart by their place.
-      if (taken.contains(name)) name += QLatin1Char('-') + QString::number(k + 1);
-      taken << name;
-      if (!data && (a.Width == 0 || a.Height == 0))
-        ++tally.WithoutPixels;
-      else
-        items.push_back({name + (data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, index,
-                         data ? ExportKind::Bytes : ExportKind::Picture});
-    }
+    if (load.V2)
+      PlanAlternatives(load, i, NumberStem(i, digits), items, tally);
+    else
+      PlanSprite(load, i, NumberStem(i, digits), items, tally);
   }
   return items;
 }
@@ -350,8 +353,7 @@ int CmdExport(const std::vector<std::string>& args) {
   CliLoad load;
   if (LoadForCli(fileName, load) != kExitOk) return kExitFailure;
   ExportTally tally;
-  const std::vector<ExportItem> items =
-      load.V2 ? PlanAlternatives(load, tally) : PlanSprites(load, tally);
+  const std::vector<ExportItem> items = PlanFiles(load, tally);
 
   const QDir dir(dirName);
   int32_t existing = 0;
