@@ -1,15 +1,12 @@
-# The program on the desktop: MIME type, drops, About and --version offscreen; and the real
-# program started with a file on a virtual X display, by an absolute and by a relative name.
+# The program on the desktop: MIME type and drops offscreen; both programs' --version; and
+# the real program started with a file on a virtual X display, by an absolute and a relative name.
 add_executable(test_ui_desktop
   ${CMAKE_CURRENT_SOURCE_DIR}/../platform/gui_test_main.cpp
   ${CMAKE_CURRENT_LIST_DIR}/test_desktop.cpp
 )
 target_link_libraries(test_ui_desktop PRIVATE vossel_ui vossel_test_support Qt6::Test GTest::gtest)
 target_compile_definitions(test_ui_desktop PRIVATE
-  VOSSEL_BIN_DIR="${VOSSEL_BIN_DIR}" VOSSEL_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-  VOSSEL_PATH="$<TARGET_FILE:vossel>" VOSSEL_CLI_PATH="$<TARGET_FILE:vossel-cli>"
-  VOSSEL_PROJECT_VERSION="${PROJECT_VERSION}")
-add_dependencies(test_ui_desktop vossel vossel-cli)
+  VOSSEL_BIN_DIR="${VOSSEL_BIN_DIR}" VOSSEL_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
 gtest_discover_tests(test_ui_desktop DISCOVERY_MODE PRE_TEST
                      PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen)
 
@@ -20,3 +17,10 @@ add_test(NAME ui_smoke_open_relative_xvfb COMMAND ${VOSSEL_SMOKE_OPEN} ${VOSSEL_
                                                   openttd.grf "Viewing sprite 1 (4 x 1)")
 set_tests_properties(ui_smoke_open_xvfb ui_smoke_open_relative_xvfb
                      PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77)
+
+add_test(NAME ui_version COMMAND vossel --version)
+add_test(NAME cli_version COMMAND vossel-cli --version)
+set_tests_properties(ui_version PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen
+                                           PASS_REGULAR_EXPRESSION "(^|\n)Vossel ${PROJECT_VERSION}\n$")
+set_tests_properties(cli_version PROPERTIES PASS_REGULAR_EXPRESSION
+                                            "^vossel-cli ${PROJECT_VERSION}\n$")
