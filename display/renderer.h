@@ -8,6 +8,7 @@
 #include <QImage>
 
 #include "grf.h"
+#include "grf2.h"
 #include "palette.h"
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
@@ -22,6 +23,11 @@ SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double area
 // table, first stored row on top. A null image for Width or Height 0 (or below).
 QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
                     const PaletteBuffer& palette);
+
+// A decoded version-2 image as a picture of its own: an image with RGB as RGBA, the mask layer
+// not applied; an 8-bit one as an indexed image with the palette as its colour table. A null
+// image for Width or Height 0.
+QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
 
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
 // canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
