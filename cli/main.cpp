@@ -18,12 +18,18 @@ const char kUsage[] =
     "\n"
     "Commands:\n"
     "  list FILE                          one line per sprite: #, Width, Height, Size, Flags\n"
+    "                                     (and a version-2 sprite's alternatives)\n"
     "  info FILE                          the status text and the messages of a load\n"
-    "  sprite FILE N [--png OUT] [--palette PAL]\n"
+    "  sprite FILE N [--png OUT] [--palette PAL] [--zoom LEVEL] [--depth 8|32]\n"
     "                                     the facts of sprite N (from 1), and its pixels as PNG\n"
-    "  chunks FILE N                      how sprite N (from 1) is stored, chunk by chunk\n"
+    "  chunks FILE N [--zoom LEVEL] [--depth 8|32]\n"
+    "                                     how sprite N (from 1) is stored, chunk by chunk\n"
+    "  export FILE DIR [--palette PAL] [--force]\n"
+    "                                     every sprite as a PNG file (pseudo-sprites as .bin)\n"
     "\n"
     "Options:\n"
+    "  --zoom LEVEL and --depth 8|32 choose one of a version-2 sprite's alternatives;\n"
+    "  LEVEL is normal, in4, in2, out2, out4 or out8.\n"
     "  --help       this text\n"
     "  --version    the program's version\n"
     "\n"
@@ -52,6 +58,7 @@ int main(int argc, char** argv) {
   if (command == "info") return CmdInfo(args);
   if (command == "sprite") return CmdSprite(args);
   if (command == "chunks") return CmdChunks(args);
+  if (command == "export") return CmdExport(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

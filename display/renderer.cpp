@@ -78,15 +78,32 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
   return view.copy();
 }
 
+QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
+  const size_t cells = static_cast<size_t>(std::max(image.Width, 0)) * std::max(image.Height, 0);
+  const bool rgba = !image.Rgba.empty();
+  if (cells == 0 || (rgba ? image.Rgba.size() != 4 * cells : image.Indices.size() != cells))
+    return QImage();
+  QImage bitmap(image.Width, image.Height,
+                rgba ? QImage::Format_RGBA8888 : QImage::Format_Indexed8);
+  if (bitmap.isNull()) return bitmap;
+  const size_t row = rgba ? 4 * static_cast<size_t>(image.Width) : image.Width;
+  const uint8_t* from = rgba ? image.Rgba.data() : image.Indices.data();
+  for (int32_t y = 0; y < image.Height; ++y)
+    std::memcpy(bitmap.scanLine(y), from + row * static_cast<size_t>(y), row);
+  if (!rgba) bitmap.setColorTable(PaletteColours(palette));
+  return bitmap;
+}
+
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight) {
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                QColor background) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
 
-  canvas.fill(QColor(Qt::white));
+  canvas.fill(background);
   if (bitmap.isNull() || canvas.isNull()) return true;
 
   // Only the part that falls on the canvas is copied.

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <vector>
 
+#include <QColor>
 #include <QImage>
 
 #include "grf.h"
+#include "grf2.h"
 #include "palette.h"
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
@@ -22,12 +24,19 @@ SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double area
 QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
                     const PaletteBuffer& palette);
 
+// A decoded version-2 image as a picture of its own: an image with RGB as RGBA, the mask layer
+// not applied; an 8-bit one as an indexed image with the palette as its colour table. A null
+// image for Width or Height 0.
+QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
+
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
-// canvas is wiped to white, then the sprite is copied unscaled and opaque at its placement,
-// clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight` picSprite.ScaleHeight.
-// Returns false, with the canvas untouched, when the table holds no record at `index`.
+// canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
+// and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
+// picSprite.ScaleHeight. Returns false, with the canvas untouched, when the table holds no record
+// at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight);
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                QColor background = Qt::white);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);

@@ -7,8 +7,8 @@ packages=(
   qt6-base-dev libgl-dev
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang-format clang libclang-rt-14-dev
-  xvfb xauth xdotool fonts-dejavu-extra
-  openttd-data
+  xvfb xauth x11-utils xdotool fonts-dejavu-extra
+  openttd-data openttd-opengfx
 )
 
 if [ "$(id -u)" -eq 0 ]; then sudo=(); else sudo=(sudo); fi

@@ -93,7 +93,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 bool frmMain::DrawSprite(int16_t Index) {
   if (!::DrawSprite(picSprite->Image(), Store, Index, Palette, Left(scrSprite),
-                    ScaleHeight(picSprite)))
+                    ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor())))
     return false;
   picSprite->Refresh();
   return true;
@@ -149,8 +149,7 @@ void frmMain::LoadGRF() {
 
   lvwSprite->Clear();
   lvwSprite->setVisible(false);
-  const int32_t rows =
-      std::min<int32_t>(totals.Count, static_cast<int32_t>(Store.SpriteTable.size()));
+  const auto rows = static_cast<int32_t>(Store.SpriteTable.size());
   for (int32_t i = 1; i <= rows; ++i) {
     SpriteRowTexts row = SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]);
     lvwSprite->AddItem(std::move(row.Key),

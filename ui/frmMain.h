@@ -15,6 +15,8 @@
 
 class QAction;
 class QCloseEvent;
+class QDragEnterEvent;
+class QDropEvent;
 class QGroupBox;
 class QLabel;
 class QMenu;
@@ -83,6 +85,8 @@ class frmMain : public QMainWindow {
   QAction* mnuViewGrid;
   QMenu* mnuTools;
   QAction* mnuChunk;
+  QMenu* mnuHelp;
+  QAction* mnuAbout;
 
   // Runs once before the window is first shown. False when the palette was refused: the window
   // has then been unloaded and must not be shown.
@@ -107,9 +111,16 @@ class frmMain : public QMainWindow {
   void mnuSaveAs_Click();
   void mnuQuit_Click();
   void mnuChunk_Click();
+  void mnuAbout_Click();
+
+  // Loads `path` as Open does once its dialog has given a name: from the command line and from a
+  // file dropped on the window.
+  void OpenFile(const std::string& path);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void BuildControls();

@@ -68,6 +68,8 @@ frmMain::frmMain() {
   connect(mnuSaveAs, &QAction::triggered, this, [this] { mnuSaveAs_Click(); });
   connect(mnuQuit, &QAction::triggered, this, [this] { mnuQuit_Click(); });
   connect(mnuChunk, &QAction::triggered, this, [this] { mnuChunk_Click(); });
+  connect(mnuAbout, &QAction::triggered, this, [this] { mnuAbout_Click(); });
+  setAcceptDrops(true);
 }
 
 frmMain::~frmMain() = default;
@@ -89,6 +91,8 @@ void frmMain::BuildMenus() {
   mnuViewGrid = NewItem(mnuView, "&Grid", QKeySequence(Qt::SHIFT | Qt::Key_F1), true);
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
+  mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
+  mnuAbout = NewItem(mnuHelp, "&About Vossel", QKeySequence(), true);
 }
 
 void frmMain::BuildControls() {
@@ -159,7 +163,12 @@ void frmMain::BuildControls() {
   SetAutoSize(lblStatus, true);
   SetCaption(lblStatus, "No file loaded");
 
-  // Only the two lists take the focus by tab; the pictures, the frame and the labels do not.
-  for (PictureBox* box : {Client, Grid, BGpanel, picSprite}) box->setFocusPolicy(Qt::NoFocus);
-  setTabOrder(Li, lvwSprite);
+  // The panel, the two lists and the picture area take the focus by tab, none of them by a click;
+  // the frame, the labels and the scroll bar are passed over.
+  Client->setFocusPolicy(Qt::NoFocus);
+  for (PictureBox* box : {Grid, BGpanel, picSprite}) box->setFocusPolicy(Qt::TabFocus);
+  setTabOrder(BGpanel, Li);
+  setTabOrder(Li, picSprite);
+  setTabOrder(picSprite, Grid);
+  setTabOrder(Grid, lvwSprite);
 }

@@ -1,5 +1,5 @@
-// The renderer against a picture worked out pixel by pixel, for random sprites, stores, palettes
-// and picture areas; and the placement's rounding.
+// The renderer against a picture worked out pixel by pixel, for random sprites, stores, palettes,
+// picture areas and background colours; and the placement's rounding.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -41,13 +41,14 @@ TEST(DrawSprite, RandomSpritesLandWhereTheyShould) {
     const int width = R(1, 60), height = R(1, 60), freeWidth = R(0, width);
     QImage canvas(width, height, QImage::Format_RGB32);
     canvas.fill(qRgb(1, 2, 3));
-    ASSERT_TRUE(DrawSprite(canvas, store, 0, palette, freeWidth, height));
+    const QRgb background = qRgb(R(0, 255), R(0, 255), R(0, 255));
+    ASSERT_TRUE(DrawSprite(canvas, store, 0, palette, freeWidth, height, QColor(background)));
     // Centred in the free area by half of (area - size + offset), truncated toward zero.
     const int x0 = (freeWidth - r.Width + r.XOffset) / 2, y0 = (height - r.Height + r.YOffset) / 2;
     for (int y = 0; y < height; ++y) {
       for (int x = 0; x < width; ++x) {
         const int c = x - x0, row = y - y0;
-        QRgb want = qRgb(255, 255, 255);
+        QRgb want = background;
         if (c >= 0 && c < r.Width && row >= 0 && row < r.Height) {
           const size_t at = static_cast<size_t>(r.DataOffset + row * r.Width + c);
           const int i = at < store.SpriteData.size() ? store.SpriteData[at] : 0;

@@ -20,8 +20,9 @@ TEST(ChunkScan, EndsAndTables) {
     cases.push_back({"action word", "invalid", "2", "3", word + std::string("FF") + rest});
   for (const char* word : {"FFFF", "0880", "0780", "0080", "0100", "0700"})
     for (const char* flags : {"00", "02", "08", "0A"})
-      cases.push_back({"sprite word", "invalid", "2", "3",
-                       word + std::string(flags) + "02020000000000 020A0BF002" + rest});
+      if (word[2] != '0' || flags[1] == '0' || flags[1] == '8')  // stored 1 and 7: in the table
+        cases.push_back({"sprite word", "invalid", "2", "3",
+                         word + std::string(flags) + "02020000000000 020A0BF002" + rest});
   for (const auto& c : cases) {
     SCOPED_TRACE(c[0] + ": " + c[4]);
     ChunkScan scan;

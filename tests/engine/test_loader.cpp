@@ -55,6 +55,7 @@ TEST(Loader, KnownFiles) {
     SCOPED_TRACE(c.Name);
     const Loaded l = Load(c.File);
     EXPECT_EQ(l.Count(), c.Count);
+    EXPECT_EQ(l.Store.SpriteTable.size(), static_cast<size_t>(c.Count));  // nothing else to show
     EXPECT_EQ(l.Messages, std::vector<std::string>(c.Message ? 1 : 0, kMsgOutOfBuffer));
     EXPECT_TRUE(Bytes(l.Store.SpriteData.begin(), l.Store.SpriteData.end()) == c.Store);
   }

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -130,9 +131,16 @@ TEST(QtDialogs, FolderBrowserOpensOnTheInitialDirectory) {
   QDir(dir.path()).mkdir("sub");
   clsBrowseForFolderDialog fd;
   fd.InitialDirectory(dir.path().toStdString());
+  fd.WindowMessage("Pick the game's folder");
   EXPECT_EQ(fd.InitialDirectory(), dir.path().toStdString() + "/");
   WhenShown<QFileDialog>([&](QFileDialog* d) {
     if (d->directory() != QDir(dir.path())) return false;  // not yet selected
+    // The message is a line above the tree; the title is the browser's own.
+    auto* message = d->findChild<QLabel*>("message");
+    EXPECT_EQ(d->windowTitle(), "Browse For Folder");
+    EXPECT_EQ(message ? message->text() : "", "Pick the game's folder");
+    for (const QWidget* w : d->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+      EXPECT_TRUE(w == message || !w->isVisible() || w->y() >= message->geometry().bottom());
     d->selectFile(dir.filePath("sub"));
     static_cast<QDialog*>(d)->accept();
     return true;

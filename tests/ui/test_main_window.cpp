@@ -190,7 +190,14 @@ TEST_F(MainWindow, LoadsThatEndEarly) {
       {"missing", std::nullopt, {}, "Error 2: No such file or directory (/nonexistent/a.grf)", 5},
       {"overrun", overrun, {{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}}, "Viewing sprite 1", 1},
       {"no sprite", Bytes(17, 0), {}, "Vossel (GRF loader engine)", 0},
+      // Counted on its stored size, then its stream passes 1 x 2 pixels while decoding.
+      {"first sprite fails",
+       grfw::File({grfw::SpriteRec(2, 2, 1, 0, 0, grfw::Literal({1, 2, 3}), 0), FiveSprites()}),
+       {{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}},
+       "Vossel (GRF loader engine)",
+       0},
   };
+  form.picSprite->SetBackColor(0x00336699);  // sprites stand on the picture box's own colour
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Name);
     Open(FiveSprites());
@@ -211,9 +218,10 @@ TEST_F(MainWindow, LoadsThatEndEarly) {
     if (c.Rows == 5) {
       EXPECT_EQ(Caption(form.lblStatus), status);  // nothing else changed
     }
+    EXPECT_EQ(form.picSprite->Image().pixel(0, 0), qRgb(0x99, 0x66, 0x33));
     if (c.Rows == 0) {
       EXPECT_EQ(Facts(), "Vossel (GRF loader engine) | - | - | - | -");
-      EXPECT_EQ(form.picSprite->Image().pixel(10, 10), qRgb(255, 255, 255));
+      EXPECT_EQ(form.picSprite->Image().pixel(160, 158), qRgb(0x99, 0x66, 0x33));
     }
   }
 }
@@ -274,6 +282,18 @@ TEST_F(MainWindow, ColumnClicksSortAndRowClicksShow) {
   EXPECT_EQ(Column(-1), "k0 k1 k2 k3 k4");
   ClickColumn(4);
   EXPECT_EQ(Column(-1), "k4 k1 k0 k2 k3");
+}
+
+TEST_F(MainWindow, TabVisitsThePanelTheMessagesThePictureAndTheList) {
+  QApplication::setActiveWindow(&form);
+  form.BGpanel->setFocus(Qt::TabFocusReason);
+  std::vector<QWidget*> visited;
+  for (int i = 0; i < 5; ++i) {
+    visited.push_back(QApplication::focusWidget());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_EQ(visited, (std::vector<QWidget*>{form.BGpanel, form.Li, form.picSprite, form.lvwSprite,
+                                            form.BGpanel}));
 }
 
 TEST_F(MainWindow, NewAndQuit) {
