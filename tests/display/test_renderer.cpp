@@ -60,16 +60,6 @@ TEST(DrawSprite, RandomSpritesLandWhereTheyShould) {
   }
 }
 
-TEST(DrawSprite, NoRecordLeavesTheCanvasAlone) {
-  SpriteStore store;
-  store.SpriteTable.push_back(Record(2, 2));
-  store.SpriteData.resize(4);
-  QImage canvas(8, 8, QImage::Format_RGB32);
-  canvas.fill(qRgb(9, 9, 9));
-  for (const int16_t index : {-1, 1}) EXPECT_FALSE(DrawSprite(canvas, store, index, {}, 8, 8));
-  EXPECT_EQ(canvas.pixel(0, 0), qRgb(9, 9, 9));
-}
-
 TEST(PlaceSprite, AFractionOfAMeasureRoundsHalfToEven) {
   for (const auto& [freeWidth, height, x, y] :
        {std::tuple{224.5, 1.5, 80, 0}, {225.5, -0.5, 81, -1}})

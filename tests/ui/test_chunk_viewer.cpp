@@ -1,5 +1,5 @@
-// frmChunk driven as a person drives it: Open, browsing the sprites, what each end of a scan
-// shows, a fresh start at every showing, and fills overtaken by a scroll, an Open or a Close.
+// frmChunk driven as a person drives it: Open and what each end of a scan shows, a fresh start at
+// every showing, and fills overtaken by a scroll, an Open or a Close.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -80,17 +80,6 @@ Bytes LongFile() {
 
 }  // namespace
 
-TEST_F(ChunkViewer, OpenListsTheChosenSprite) {
-  const std::string path = Open(grfw::File({WorkedRecord(), grfw::ActionRecord({1, 2, 3})}));
-  EXPECT_EQ(fakes.Dialogs.back(), uitest::OpenDialog(CurDir(), form.hWnd()));
-  EXPECT_EQ(List(), Worked(0));
-  EXPECT_EQ(Caption(form.lblFilename), path);
-  form.scrSprite->SetValue(1);
-  EXPECT_EQ(List(), "18 Action sprite, 3 bytes\n");
-  EXPECT_EQ(Caption(form.lblSprite), "2");
-  EXPECT_TRUE(fakes.Boxes.empty());
-}
-
 TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
   const Bytes invalid = grfw::RawSprite(9, 0, 1, 1, 0, 0, {2, 1, 2});  // 2 bytes where 1 fits
   const struct {
@@ -118,6 +107,7 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
     for (const auto& c : cases) {
       SCOPED_TRACE(c.Title + std::to_string(c.Max));
       const std::string six = Open(WorkedFile(6));
+      EXPECT_EQ(fakes.Dialogs.back(), uitest::OpenDialog(CurDir(), form.hWnd()));
       form.scrSprite->SetValue(3);
       fakes.Boxes.clear();
       fakes.Next = c.File ? grfw::WriteTemp("outcome.grf", *c.File) : "/nonexistent/a.grf";
