@@ -164,7 +164,7 @@ inline Bytes File(std::initializer_list<Bytes> records, bool zeroWord = true) {
   return FileOf(std::vector<Bytes>(records), zeroWord);
 }
 
-// The 17-byte file of the format's first worked example.
+// The smallest file that loads: 17 bytes, one sprite of 2 x 2.
 inline Bytes SeventeenByteFile() {
   return {0x0C, 0x00, 0x00, 0x02, 0x02, 0x00, 0xFE, 0xFF, 0x01,
           0x00, 0x02, 0x0A, 0x0B, 0xF0, 0x02, 0x00, 0x00};

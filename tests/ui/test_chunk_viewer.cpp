@@ -17,20 +17,20 @@ using uitest::Shown;
 
 namespace {
 
-// The worked example's record without its zero word: stream at 10, decoded size 4.
-Bytes WorkedRecord() {
+// The seventeen-byte file's record without its zero word: stream at 10, decoded size 4.
+Bytes SmallRecord() {
   const Bytes b = grfw::SeventeenByteFile();
   return Bytes(b.begin(), b.end() - 2);
 }
 
-// The worked example's two lines, each item value and text, for a record that starts at `p`.
-std::string Worked(int32_t p) {
+// That record's two lines, each item value and text, for a record that starts at `p`.
+std::string SmallLines(int32_t p) {
   return std::to_string(p + 10) + " Data chunk of 2 bytes, 0A 0B\n" + std::to_string(p + 13) +
          " Offset chunk, 2 bytes of data from position 0\n";
 }
 
-Bytes WorkedFile(int n) {
-  return grfw::FileOf(std::vector<Bytes>(static_cast<size_t>(n), WorkedRecord()));
+Bytes SmallFile(int n) {
+  return grfw::FileOf(std::vector<Bytes>(static_cast<size_t>(n), SmallRecord()));
 }
 
 class ChunkViewer : public ::testing::Test {
@@ -70,12 +70,12 @@ class ChunkViewer : public ::testing::Test {
   frmChunk form;
 };
 
-// Sprite 0 lists 20,000 lines of one-byte chunks and pumps before each; sprite 1 is the worked
+// Sprite 0 lists 20,000 lines of one-byte chunks and pumps before each; sprite 1 is the small
 // record, at 10 + 40,000.
 Bytes LongFile() {
   Bytes stream;
   for (int k = 0; k < 20000; ++k) grfw::AddData(stream, {static_cast<uint8_t>(k)});
-  return grfw::File({grfw::SpriteRec(0, 1, 20000, 0, 0, stream, 20000), WorkedRecord()});
+  return grfw::File({grfw::SpriteRec(0, 1, 20000, 0, 0, stream, 20000), SmallRecord()});
 }
 
 }  // namespace
@@ -88,10 +88,10 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
     int16_t Max;
     std::string Listed, Title;  // at the position kept, 3, or 0 where the tables stay
   } cases[] = {
-      {grfw::File({WorkedRecord(), WorkedRecord(), WorkedRecord(), WorkedRecord(), invalid}),
+      {grfw::File({SmallRecord(), SmallRecord(), SmallRecord(), SmallRecord(), invalid}),
        {{kMsgOutOfBuffer, "Vossel", MsgBoxIcon::None}},
        3,
-       Worked(45),
+       SmallLines(45),
        "Vossel - Chunk Viewer"},
       {Bytes(20, 0), {}, 0, "", "Vossel - Chunk Viewer"},
       // The earlier tables beside 16 new bytes: the list reads only those.
@@ -101,12 +101,16 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
        "10 Data chunk of 127 bytes, 7F 7F 7F 7F 7F\n",
        "Vossel - Chunk Viewer"},
       // The title tells, and keeps telling until the window closes.
-      {std::nullopt, {}, 5, Worked(0), "Error 2: No such file or directory (/nonexistent/a.grf)"},
+      {std::nullopt,
+       {},
+       5,
+       SmallLines(0),
+       "Error 2: No such file or directory (/nonexistent/a.grf)"},
   };
   WhileShown([&] {
     for (const auto& c : cases) {
       SCOPED_TRACE(c.Title + std::to_string(c.Max));
-      const std::string six = Open(WorkedFile(6));
+      const std::string six = Open(SmallFile(6));
       EXPECT_EQ(fakes.Dialogs.back(), uitest::OpenDialog(CurDir(), form.hWnd()));
       form.scrSprite->SetValue(3);
       fakes.Boxes.clear();
@@ -131,20 +135,20 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
 
 TEST_F(ChunkViewer, FillsOvertakenByEvents) {
   // Another file: only its list.
-  const std::string small = grfw::WriteTemp("small.grf", WorkedFile(1));
+  const std::string small = grfw::WriteTemp("small.grf", SmallFile(1));
   AtPump(50, [&] {
     EXPECT_TRUE(form.Li->isHidden());
     fakes.Next = small;
     form.mnuOpen_Click();
   });
   Open(LongFile(), "long.grf");
-  EXPECT_EQ(List(), Worked(0));
+  EXPECT_EQ(List(), SmallLines(0));
   EXPECT_EQ(Caption(form.lblFilename), small);
   EXPECT_FALSE(form.Li->isHidden());
   // A newer position: its list alone.
   AtPump(50, [&] { form.scrSprite->SetValue(1); });
   Open(LongFile(), "long.grf");
-  EXPECT_EQ(List(), Worked(40010));
+  EXPECT_EQ(List(), SmallLines(40010));
   // A close: the fill stops and the next showing starts empty.
   WhileShown([&] {
     AtPump(50, [&] { form.mnuClose_Click(); });
