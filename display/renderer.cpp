@@ -7,6 +7,8 @@
 #include <QColor>
 #include <QPainter>
 
+#include "composite.h"
+
 namespace {
 
 // Rounds the bracket half to even, then halves it truncating toward zero.
@@ -30,11 +32,19 @@ void CopyInside(uint8_t* dst, int64_t to, const uint8_t* src, int32_t srcSize, i
 
 }  // namespace
 
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight) {
+SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
+                             double freeWidth, double areaHeight, int32_t magnification) {
+  const double m = magnification;
   SpritePlacement p;
-  p.X = HalfOfRounded(freeWidth - r.Width + r.XOffset);
-  p.Y = HalfOfRounded(areaHeight - r.Height + r.YOffset);
+  p.X = HalfOfRounded(freeWidth - m * width + m * xOffset);
+  p.Y = HalfOfRounded(areaHeight - m * height + m * yOffset);
   return p;
+}
+
+SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
+                            int32_t magnification) {
+  return PlacePicture(r.Width, r.Height, r.XOffset, r.YOffset, freeWidth, areaHeight,
+                      magnification);
 }
 
 QList<QRgb> PaletteColours(const PaletteBuffer& palette) {
@@ -78,29 +88,41 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
   return view.copy();
 }
 
+void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
+                  double freeWidth, double areaHeight, int32_t magnification) {
+  canvas.fill(QColor(Qt::white));
+  if (picture.isNull() || canvas.isNull()) return;
+  const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+
+  // Only the part that falls on the canvas is magnified and copied.
+  const SpritePlacement at =
+      PlacePicture(picture.width(), picture.height(), xOffset, yOffset, freeWidth, areaHeight, m);
+  const int64_t left = std::max<int64_t>(at.X, 0);
+  const int64_t top = std::max<int64_t>(at.Y, 0);
+  const int64_t right =
+      std::min<int64_t>(int64_t{at.X} + int64_t{picture.width()} * m, canvas.width());
+  const int64_t bottom =
+      std::min<int64_t>(int64_t{at.Y} + int64_t{picture.height()} * m, canvas.height());
+  if (left >= right || top >= bottom) return;
+
+  const QRect part(static_cast<int>(left - at.X), static_cast<int>(top - at.Y),
+                   static_cast<int>(right - left), static_cast<int>(bottom - top));
+  QImage shown = MagnifiedPart(picture, m, part);
+  // The checkerboard's squares start at the picture's top left corner.
+  if (picture.hasAlphaChannel()) shown = CompositeOverChecker(shown, part.topLeft());
+  QPainter painter(&canvas);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), shown);
+}
+
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight) {
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                int32_t magnification) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
-
-  canvas.fill(QColor(Qt::white));
-  if (bitmap.isNull() || canvas.isNull()) return true;
-
-  // Only the part that falls on the canvas is copied.
-  const SpritePlacement at = PlaceSprite(r, freeWidth, areaHeight);
-  const int64_t left = std::max<int64_t>(at.X, 0);
-  const int64_t top = std::max<int64_t>(at.Y, 0);
-  const int64_t right = std::min<int64_t>(int64_t{at.X} + bitmap.width(), canvas.width());
-  const int64_t bottom = std::min<int64_t>(int64_t{at.Y} + bitmap.height(), canvas.height());
-  if (left >= right || top >= bottom) return true;
-
-  QPainter painter(&canvas);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), bitmap,
-                    QRect(static_cast<int>(left - at.X), static_cast<int>(top - at.Y),
-                          static_cast<int>(right - left), static_cast<int>(bottom - top)));
+  PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, magnification);
   return true;
 }

@@ -10,12 +10,16 @@
 #include "palette.h"
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
-// (areaHeight - Height + YOffset) / 2, truncated toward zero.
+// (areaHeight - Height + YOffset) / 2, truncated toward zero. Magnified m times, the sizes and the
+// offsets count m times: (freeWidth - m x Width + m x XOffset) / 2.
 struct SpritePlacement {
   int32_t X = 0;
   int32_t Y = 0;
 };
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight);
+SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
+                            int32_t magnification = 1);
+SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
+                             double freeWidth, double areaHeight, int32_t magnification);
 
 // The sprite's Width x Height pixels as an 8-bit indexed image with the palette as its colour
 // table, first stored row on top. A null image for Width or Height 0 (or below).
@@ -27,7 +31,15 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 // clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight` picSprite.ScaleHeight.
 // Returns false, with the canvas untouched, when the table holds no record at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight);
+                const PaletteBuffer& palette, double freeWidth, double areaHeight,
+                int32_t magnification = 1);
+
+// Wipes `canvas` to white and paints `picture` at the placement its size and offsets give,
+// magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
+// picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32) is laid over
+// the checkerboard. A null picture leaves the canvas white.
+void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
+                  double freeWidth, double areaHeight, int32_t magnification);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);
