@@ -151,7 +151,7 @@ void frmChunk::ScanGRF() {
     case ScanEnd::Complete:
       break;
   }
-  SpriteMax = static_cast<int16_t>(outcome.Count - 1);
+  SpriteMax = outcome.Count - 1;
   scrSprite->SetMax(SpriteMax);
   // The list lets events run; a Close or a new showing then may have replaced the label.
   const QPointer<QLabel> label = lblFilename;
@@ -160,7 +160,7 @@ void frmChunk::ScanGRF() {
 }
 
 void frmChunk::scrSprite_Change() {
-  const int16_t v = scrSprite->Value();
+  const int32_t v = scrSprite->Value();
   SetCaption(lblSprite, std::to_string(v + 1));
   const uint32_t fill = ++fillNumber_;
   Li->Clear();

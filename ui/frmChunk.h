@@ -44,7 +44,7 @@ class frmChunk : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The highest sprite index the last usable scan offered: Count - 1, so -1 when it found none.
   // The scroll bar cannot go below 0; positions above this list nothing.
-  int16_t SpriteMax = -1;
+  int32_t SpriteMax = -1;
 
   // Controls, by their names.
   QLabel* lblFilename = nullptr;
