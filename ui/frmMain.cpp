@@ -91,9 +91,11 @@ void frmMain::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-bool frmMain::DrawSprite(int16_t Index) {
-  if (!::DrawSprite(picSprite->Image(), Store, Index, Palette, Left(scrSprite),
-                    ScaleHeight(picSprite)))
+bool frmMain::DrawSprite(int32_t Index) {
+  // A version-1 table never holds more than 32,767 records.
+  if (Index < 0 || Index > INT16_MAX) return false;
+  if (!::DrawSprite(picSprite->Image(), Store, static_cast<int16_t>(Index), Palette,
+                    Left(scrSprite), ScaleHeight(picSprite), Magnification))
     return false;
   picSprite->Refresh();
   return true;
@@ -139,8 +141,9 @@ void frmMain::LoadGRF() {
   AddMessage(LoadedMessage(totals.Count, GetTickCount() - start));
 
   SetCaption(lblStatus, StatusText(FileName, totals.CompressedTotal, totals.DecodedTotal, length));
+  Choice = AltChoice{};
 
-  scrSprite->SetMax(static_cast<int16_t>(totals.Count - 1));
+  scrSprite->SetMax(totals.Count - 1);
   scrSprite_Change();
   DoEvents();
 
@@ -167,17 +170,26 @@ void frmMain::LoadGRF() {
 void frmMain::SaveGRF() {}
 
 void frmMain::scrSprite_Change() {
-  const int16_t Value = scrSprite->Value();
+  const int32_t Value = scrSprite->Value();
+  ShownAlts.clear();
+  ShownAlt = -1;
   if (Value < 0 || static_cast<size_t>(Value) >= Store.SpriteTable.size()) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.
     picSprite->SetBackColor(picSprite->BackColor());
     picSprite->Refresh();
     SetCaption(this, kFormCaption);
     for (QLabel* label : {lblFlags, lblSize, lblCompressed, lblOffset}) SetCaption(label, "-");
+    UpdateViewItems();
     return;
   }
   DrawSprite(Value);
   const SpriteRecord& r = Store.SpriteTable[static_cast<size_t>(Value)];
+  // A version-1 sprite has one picture: normal zoom, 8 bits a pixel.
+  if (r.Flags != kActionFlags) {
+    ShownAlts.push_back(AltKey{});
+    ShownAlt = 0;
+  }
+  UpdateViewItems();
   SetCaption(this, ViewingCaption(Value, r));
   SetCaption(lblFlags, FlagsText(r));
   SetCaption(lblSize, std::to_string(r.Size));
@@ -195,8 +207,8 @@ void frmMain::lvwSprite_ItemClick(const ListItem& Item) {
   const char* first = Item.Key.data() + std::min<size_t>(1, Item.Key.size());
   const char* last = Item.Key.data() + Item.Key.size();
   const auto [end, error] = std::from_chars(first, last, index);
-  if (error != std::errc() || end != last || index < 0 || index > INT16_MAX) return;
-  scrSprite->SetValue(static_cast<int16_t>(index));
+  if (error != std::errc() || end != last || index < 0) return;
+  scrSprite->SetValue(index);
 }
 
 void frmMain::lvwSprite_ColumnClick(const ColumnHeader& ColumnHeader) {
@@ -218,6 +230,9 @@ void frmMain::mnuNew_Click() {
   // here and nothing runs on the stores once they are erased below.
   scrSprite->SetMax(0);
   for (QLabel* label : {lblFlags, lblOffset, lblSize, lblCompressed}) SetCaption(label, "-");
+  ShownAlts.clear();
+  ShownAlt = -1;
+  UpdateViewItems();
   SetCaption(lblStatus, "No file loaded");
   EraseStores();
   lvwSprite->Clear();

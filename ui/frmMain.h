@@ -2,12 +2,15 @@
 // sprite list on the left, the picture area with its scroll bar on the right.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QMainWindow>
 
+#include "alternatives.h"
 #include "filedialog.h"
 #include "frmChunk.h"
 #include "grf.h"
@@ -25,6 +28,9 @@ class PictureBox;
 class ScrollBar;
 struct ColumnHeader;
 struct ListItem;
+
+// Zoom levels of a version-2 sprite, numbered as the file numbers them.
+inline constexpr int32_t kZoomLevels = 6;
 
 // The caption of the window until a sprite is shown.
 inline constexpr const char kFormCaption[] = "Vossel (GRF loader engine)";
@@ -50,6 +56,15 @@ class frmMain : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The chunk viewer, made by its first showing and kept until the program ends.
   std::unique_ptr<frmChunk> ChunkViewer;
+  // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across sprites,
+  // loads and New.
+  int32_t Magnification = 1;
+  // The zoom level and colour depth the user chose, kept while browsing; a load starts from every
+  // sprite's default again.
+  AltChoice Choice;
+  // The alternatives of the sprite on view, and the one shown (-1: none, as for an action sprite).
+  std::vector<AltKey> ShownAlts;
+  int32_t ShownAlt = -1;
 
   // Controls, by their names.
   PictureBox* Client;  // the window's client area: background colour and banner
@@ -81,6 +96,18 @@ class frmMain : public QMainWindow {
   QAction* mnuQuit;
   QMenu* mnuView;
   QAction* mnuViewGrid;
+  // The magnifier, and the choice of a sprite's alternative.
+  QAction* mnuLine2;
+  QAction* mnuZoomIn;
+  QAction* mnuZoomOut;
+  QAction* mnuActualSize;
+  QAction* mnuLine3;
+  QMenu* mnuZoomLevel;
+  std::array<QAction*, kZoomLevels> mnuLevel;  // by the zoom byte: normal, in 4x, in 2x, out ...
+  QMenu* mnuColourDepth;
+  QAction* mnuDepth8;
+  QAction* mnuDepth32;
+  QAction* mnuMaskLayer;
   QMenu* mnuTools;
   QAction* mnuChunk;
 
@@ -93,7 +120,7 @@ class frmMain : public QMainWindow {
   void picSprite_Resize();
 
   // False, with the picture as it was, when SpriteTable holds no record at Index.
-  bool DrawSprite(int16_t Index);
+  bool DrawSprite(int32_t Index);
   void LoadGRF();
   void SaveGRF();
 
@@ -107,6 +134,12 @@ class frmMain : public QMainWindow {
   void mnuSaveAs_Click();
   void mnuQuit_Click();
   void mnuChunk_Click();
+  void mnuZoomIn_Click();
+  void mnuZoomOut_Click();
+  void mnuActualSize_Click();
+  void mnuLevel_Click(int32_t zoom);
+  void mnuDepth_Click(int32_t bits);
+  void mnuMaskLayer_Click();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -114,6 +147,11 @@ class frmMain : public QMainWindow {
  private:
   void BuildControls();
   void BuildMenus();
+  // The View menu's items behind Grid, with their handlers.
+  void BuildViewItems();
+  // The enabled and checked states of the View items for the sprite on view.
+  void UpdateViewItems();
+  void SetMagnification(int32_t magnification);
   void EraseStores();
   // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
   void PrepareFileDialog();
