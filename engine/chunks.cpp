@@ -157,33 +157,42 @@ ChunkCursor StartChunkList(const ChunkScan& scan, int32_t v) {
 
 bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) {
   if (cursor.Done) return false;
-  cursor.Done = true;
   // Events run before this call may have replaced or erased what the list reads.
-  if (cursor.Generation != scan.Generation) return false;
-  if (cursor.Sprite < 0 || static_cast<size_t>(cursor.Sprite) >= TableSize(scan)) return false;
+  if (cursor.Generation != scan.Generation ||
+      (cursor.Sprite < 0 || static_cast<size_t>(cursor.Sprite) >= TableSize(scan))) {
+    cursor.Done = true;
+    return false;
+  }
+  return NextChunkLineIn(scan.FileData.data(), scan.FileData.size(), cursor, line);
+}
 
+bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line) {
+  if (cursor.Done) return false;
+  cursor.Done = true;
   if (cursor.Action) {
-    line.ItemData = scan.SpriteOffset[cursor.Sprite];
-    line.Text = "Action sprite, " + std::to_string(scan.SpriteSize[cursor.Sprite]) + " bytes";
+    line.ItemData = cursor.P;
+    line.Text = "Action sprite, " + std::to_string(cursor.S) + " bytes";
     return true;
   }
 
+  const int64_t end = std::min<int64_t>(static_cast<int64_t>(length), cursor.End);
+  auto inStream = [end](int64_t position) { return position >= 0 && position < end; };
   const int64_t p = cursor.P;
-  if (!InFile(scan, p)) return false;
-  const uint8_t c = scan.FileData[p];
+  if (!inStream(p)) return false;
+  const uint8_t c = bytes[p];
   const int32_t n = ChunkLength(c);
   line.ItemData = cursor.P;
   if (c & 0x80) {
-    if (!InFile(scan, p + 1)) return false;  // no distance to tell a position from
-    const int32_t distance = ((c & 7) << 8) | scan.FileData[p + 1];
+    if (!inStream(p + 1)) return false;  // no distance to tell a position from
+    const int32_t distance = ((c & 7) << 8) | bytes[p + 1];
     line.Text = "Offset chunk, " + std::to_string(n) + " bytes of data from position " +
                 std::to_string(cursor.C - distance);
   } else {
     line.Text = "Data chunk of " + std::to_string(n) + " bytes,";
     line.Text.reserve(line.Text.size() + 3 * static_cast<size_t>(n));
-    for (int64_t k = p + 1; k <= p + n && InFile(scan, k); ++k) {
+    for (int64_t k = p + 1; k <= p + n && inStream(k); ++k) {
       line.Text += ' ';
-      line.Text += ByteToHex(scan.FileData[k]);
+      line.Text += ByteToHex(bytes[k]);
     }
   }
 
@@ -191,7 +200,7 @@ bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) 
   const int64_t count = static_cast<int64_t>(cursor.C) + n;
   cursor.C = static_cast<int32_t>(std::min<int64_t>(count, std::numeric_limits<int32_t>::max()));
   // Equality ends the list as complete, a count beyond S ends it with this line.
-  cursor.Done = count >= cursor.S || !InFile(scan, next);
+  cursor.Done = count >= cursor.S || !inStream(next);
   if (!cursor.Done) cursor.P = static_cast<int32_t>(next);
   return true;
 }

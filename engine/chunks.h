@@ -65,9 +65,10 @@ struct ChunkLine {
 // Where the list of one sprite stands between two lines.
 struct ChunkCursor {
   int32_t Sprite = -1;
-  int32_t P = 0;  // position of the next control byte
-  int32_t S = 0;  // the count at which the list stops
-  int32_t C = 0;  // bytes decoded by the chunks listed so far
+  int32_t P = 0;            // position of the next control byte
+  int32_t S = 0;            // the count at which the list stops
+  int32_t C = 0;            // bytes decoded by the chunks listed so far
+  int32_t End = INT32_MAX;  // the stream's bytes end before this position (and the buffer's end)
   bool Action = false;
   bool Done = true;  // no further line
   uint32_t Generation = 0;
@@ -82,6 +83,10 @@ ChunkCursor StartChunkList(const ChunkScan& scan, int32_t v);
 // nothing. Never reads outside FileData: a data chunk cut by the end of the buffer shows the bytes
 // that are there and ends the list; an offset chunk without its second byte shows no line.
 bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line);
+
+// The line rule itself, on any buffer: the line at cursor.P, reading nothing at or behind
+// min(length, cursor.End). An action cursor gives its one line, "Action sprite, S bytes" at P.
+bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line);
 
 // All lines of the sprite at index v at once.
 std::vector<ChunkLine> ChunkList(const ChunkScan& scan, int32_t v);

@@ -170,6 +170,136 @@ inline Bytes SeventeenByteFile() {
           0x00, 0x02, 0x0A, 0x0B, 0xF0, 0x02, 0x00, 0x00};
 }
 
+// --- Container version 2 ----------------------------------------------------------------------
+
+inline void PutLong(Bytes& to, uint32_t v) {
+  PutWord(to, static_cast<uint16_t>(v & 0xFFFF));
+  PutWord(to, static_cast<uint16_t>(v >> 16));
+}
+
+// One image: the info byte's layers (1 RGB, 2 alpha, 4 palette index) and tile form (8), and its
+// pixels, each the present layers in the order R, G, B, A, M.
+struct Image2 {
+  uint8_t info = 4;
+  uint8_t zoom = 0;
+  uint16_t width = 0, height = 0;
+  int16_t x = 0, y = 0;
+  Bytes pixels;
+};
+
+inline size_t PixelBytes(uint8_t info) {
+  return ((info & 1) ? 3 : 0) + ((info & 2) ? 1 : 0) + ((info & 4) ? 1 : 0);
+}
+
+// The decompressed tile form: one offset per row (4 bytes each once the whole reaches 65,536
+// bytes), then each row's runs of covered pixels. A pixel whose bytes are all 0 is left uncovered;
+// a row with none gets one empty last run. Heads are 2 bytes up to width 256, else 4.
+inline Bytes TileData(const Image2& im) {
+  const size_t ps = PixelBytes(im.info);
+  const bool wide = im.width > 256;
+  const size_t longest = wide ? 0x7FFF : 0x7F;
+  auto covered = [&](size_t cell) {
+    for (size_t k = 0; k < ps; ++k)
+      if (im.pixels[cell * ps + k] != 0) return true;
+    return false;
+  };
+  std::vector<size_t> starts;
+  Bytes body;
+  for (size_t y = 0; y < im.height; ++y) {
+    starts.push_back(body.size());
+    std::vector<std::pair<size_t, size_t>> runs;  // x, length
+    for (size_t x = 0; x < im.width;) {
+      if (!covered(y * im.width + x)) {
+        ++x;
+        continue;
+      }
+      size_t n = 0;
+      while (x + n < im.width && n < longest && covered(y * im.width + x + n)) ++n;
+      runs.push_back({x, n});
+      x += n;
+    }
+    if (runs.empty()) runs.push_back({0, 0});
+    for (size_t k = 0; k < runs.size(); ++k) {
+      const bool last = k + 1 == runs.size();
+      if (wide) {
+        PutWord(body, static_cast<uint16_t>(runs[k].second | (last ? 0x8000 : 0)));
+        PutWord(body, static_cast<uint16_t>(runs[k].first));
+      } else {
+        body.push_back(static_cast<uint8_t>(runs[k].second | (last ? 0x80 : 0)));
+        body.push_back(static_cast<uint8_t>(runs[k].first));
+      }
+      const auto from = im.pixels.begin() + static_cast<long>((y * im.width + runs[k].first) * ps);
+      body.insert(body.end(), from, from + static_cast<long>(runs[k].second * ps));
+    }
+  }
+  const size_t entry = im.height * 2 + body.size() >= 65536 ? 4 : 2;
+  Bytes out;
+  for (size_t start : starts) {
+    const uint32_t at = static_cast<uint32_t>(im.height * entry + start);
+    if (entry == 4)
+      PutLong(out, at);
+    else
+      PutWord(out, static_cast<uint16_t>(at));
+  }
+  Append(out, body);
+  return out;
+}
+
+// A sprite-section entry with any body (its first byte the info byte).
+inline Bytes V2Raw(uint32_t id, const Bytes& body) {
+  Bytes e;
+  PutLong(e, id);
+  PutLong(e, static_cast<uint32_t>(body.size()));
+  Append(e, body);
+  return e;
+}
+
+// A well-formed image entry; its stream is compressed by Compress.
+inline Bytes V2Sprite(uint32_t id, const Image2& im) {
+  Bytes body = {im.info, im.zoom};
+  PutWord(body, im.height);
+  PutWord(body, im.width);
+  PutWord(body, static_cast<uint16_t>(im.x));
+  PutWord(body, static_cast<uint16_t>(im.y));
+  Bytes decoded = im.pixels;
+  if (im.info & 8) {
+    decoded = TileData(im);
+    PutLong(body, static_cast<uint32_t>(decoded.size()));
+  }
+  Append(body, Compress(decoded));
+  return V2Raw(id, body);
+}
+
+// A data-section entry: a pseudo-sprite (0xFF) or anything else.
+inline Bytes V2Data(uint8_t info, const Bytes& data) {
+  Bytes e;
+  PutLong(e, static_cast<uint32_t>(data.size()));
+  e.push_back(info);
+  Append(e, data);
+  return e;
+}
+
+inline Bytes V2Ref(uint32_t id) {
+  Bytes data;
+  PutLong(data, id);
+  return V2Data(0xFD, data);
+}
+
+// A whole version-2 file: header, data section and sprite section, each closed.
+inline Bytes V2File(const std::vector<Bytes>& data, const std::vector<Bytes>& sprites,
+                    uint8_t compression = 0) {
+  Bytes f = {0x00, 0x00, 0x47, 0x52, 0x46, 0x82, 0x0D, 0x0A, 0x1A, 0x0A};
+  Bytes section;
+  for (const Bytes& d : data) Append(section, d);
+  PutLong(section, 0);
+  PutLong(f, static_cast<uint32_t>(15 + section.size() - 14));
+  f.push_back(compression);
+  Append(f, section);
+  for (const Bytes& e : sprites) Append(f, e);
+  PutLong(f, 0);
+  return f;
+}
+
 // Writes bytes to a fresh file under the test temp folder and gives its path.
 inline std::string WriteTemp(const std::string& name, const Bytes& bytes) {
   const auto dir =

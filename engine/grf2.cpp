@@ -1,0 +1,536 @@
+#include "grf2.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "decode.h"
+
+namespace {
+
+// The one range test: n bytes at `at` lie inside [0, end). Taken by subtraction, so that no sum
+// can wrap whatever a field claims.
+bool Fits(int64_t at, int64_t n, int64_t end) {
+  return at >= 0 && n >= 0 && at <= end && n <= end - at;
+}
+
+// A buffer and its end. Every field is read through one of the helpers below, little-endian;
+// a field that would reach past the end reads nothing and gives false.
+struct Reader {
+  const uint8_t* Data;
+  int64_t End;
+};
+
+bool U8(const Reader& r, int64_t at, uint8_t& v) {
+  if (!Fits(at, 1, r.End)) return false;
+  v = r.Data[at];
+  return true;
+}
+
+bool U16(const Reader& r, int64_t at, uint16_t& v) {
+  if (!Fits(at, 2, r.End)) return false;
+  v = static_cast<uint16_t>(r.Data[at] | (r.Data[at + 1] << 8));
+  return true;
+}
+
+bool S16(const Reader& r, int64_t at, int16_t& v) {
+  uint16_t u = 0;
+  if (!U16(r, at, u)) return false;
+  v = static_cast<int16_t>(u);
+  return true;
+}
+
+bool U32(const Reader& r, int64_t at, uint32_t& v) {
+  if (!Fits(at, 4, r.End)) return false;
+  v = static_cast<uint32_t>(r.Data[at]) | (static_cast<uint32_t>(r.Data[at + 1]) << 8) |
+      (static_cast<uint32_t>(r.Data[at + 2]) << 16) | (static_cast<uint32_t>(r.Data[at + 3]) << 24);
+  return true;
+}
+
+// What one indexing carries: the file, the index being filled and where problems go.
+struct Indexer {
+  Reader File;
+  GrfV2Index& Index;
+  const MessageFn& Message;
+};
+
+void Note(Indexer& ix, const GrfV2Problem& p) {
+  ++ix.Index.ProblemCount;
+  if (ix.Index.Problems.size() < kV2KeptProblems) ix.Index.Problems.push_back(p);
+  if (ix.Message && ix.Index.ProblemCount <= kV2ProblemMessages) ix.Message(GrfV2Text(p));
+}
+
+// A problem that stops a section; the first one is the index's End.
+void Stop(Indexer& ix, const GrfV2Problem& p) {
+  if (ix.Index.End == GrfV2Result::Ok) ix.Index.End = p.Kind;
+  Note(ix, p);
+}
+
+// Entries of the data section from byte 15 up to `end`: each a 4-byte size and an info byte, the
+// data behind; size 0 closes the section.
+void IndexDataSection(Indexer& ix, int64_t end) {
+  const Reader r{ix.File.Data, end};
+  int64_t pos = kGrfV2HeaderSize;
+  for (;;) {
+    const int32_t number = static_cast<int32_t>(ix.Index.Sprites.size()) + 1;
+    uint32_t size = 0;
+    uint8_t info = 0;
+    if (!U32(r, pos, size)) {
+      Stop(ix, {GrfV2Result::DataSectionCut, pos, number, 0, 0});
+      return;
+    }
+    if (size == 0) return;
+    if (!U8(r, pos + 4, info) || !Fits(pos + 5, size, end)) {
+      Stop(ix, {GrfV2Result::DataSectionCut, pos, number, 0, size});
+      return;
+    }
+    GrfV2Sprite s;
+    s.Info = info;
+    if (info == kV2Reference) {
+      if (size != 4 || !U32(r, pos + 5, s.Id))
+        Note(ix, {GrfV2Result::BadReference, pos, number, 0, size});
+    } else {
+      if (info != kV2Pseudo) Note(ix, {GrfV2Result::UnknownDataInfo, pos, number, 0, info});
+      s.DataOffset = pos + 5;
+      s.DataSize = size;
+    }
+    ix.Index.Sprites.push_back(s);
+    pos += 5 + static_cast<int64_t>(size);
+  }
+}
+
+// One sprite-section entry of `size` bytes at `pos` (its id and size read) into Alternatives;
+// false when it is left out.
+bool IndexAlternative(Indexer& ix, int64_t pos, uint32_t id, uint32_t size) {
+  const Reader& r = ix.File;
+  const int64_t body = pos + 8;
+  GrfV2Alternative a;
+  a.Id = id;
+  if (size == 0 || !U8(r, body, a.Info)) {
+    Note(ix, {GrfV2Result::EmptyEntry, pos, 0, id, 0});
+    return false;
+  }
+  int64_t header = 1;
+  if (a.Info != kV2Pseudo) {
+    header = (a.Info & kV2Tile) ? 14 : 10;
+    if (size < header) {
+      Note(ix, {GrfV2Result::ImageHeaderCut, pos, 0, id, size});
+      return false;
+    }
+    U8(r, body + 1, a.Zoom);
+    U16(r, body + 2, a.Height);
+    U16(r, body + 4, a.Width);
+    S16(r, body + 6, a.XOffset);
+    S16(r, body + 8, a.YOffset);
+    if (a.Info & kV2Tile) U32(r, body + 10, a.TileSize);
+    if (a.Zoom >= kZoomLevels) {
+      Note(ix, {GrfV2Result::UnknownZoom, pos, 0, id, a.Zoom});
+      return false;
+    }
+    if ((a.Info & (kV2Rgb | kV2Palette)) == 0) {
+      Note(ix, {GrfV2Result::NoColour, pos, 0, id, a.Info});
+      return false;
+    }
+  }
+  a.StreamOffset = body + header;
+  a.StreamSize = size - header;
+  ix.Index.Alternatives.push_back(a);
+  return true;
+}
+
+// The alternatives of one id: consecutive entries that share it.
+struct IdGroup {
+  uint32_t Id;
+  int32_t First;
+  int32_t Count;
+};
+
+// Entries of the sprite section from `pos`: id, size, then the entry; id 0 closes the section. A
+// section that stops exactly at the end of the file is taken as closed.
+std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
+  const Reader& r = ix.File;
+  std::vector<IdGroup> groups;
+  while (pos != r.End) {
+    uint32_t id = 0, size = 0;
+    if (!U32(r, pos, id)) {
+      Stop(ix, {GrfV2Result::SpriteSectionCut, pos, 0, 0, 0});
+      break;
+    }
+    if (id == 0) break;
+    if (!U32(r, pos + 4, size) || !Fits(pos + 8, size, r.End)) {
+      Stop(ix, {GrfV2Result::SpriteSectionCut, pos, 0, id, size});
+      break;
+    }
+    if (groups.empty() || groups.back().Id != id)
+      groups.push_back({id, static_cast<int32_t>(ix.Index.Alternatives.size()), 0});
+    if (IndexAlternative(ix, pos, id, size)) ++groups.back().Count;
+    pos += 8 + static_cast<int64_t>(size);
+  }
+  return groups;
+}
+
+// Points every reference at its id's alternatives. An id that comes back later in the section
+// keeps its first group.
+void ResolveReferences(Indexer& ix, std::vector<IdGroup>& groups) {
+  std::stable_sort(groups.begin(), groups.end(),
+                   [](const IdGroup& a, const IdGroup& b) { return a.Id < b.Id; });
+  for (size_t i = 0; i < ix.Index.Sprites.size(); ++i) {
+    GrfV2Sprite& s = ix.Index.Sprites[i];
+    if (s.Info != kV2Reference || s.Id == 0) continue;
+    const auto g = std::lower_bound(groups.begin(), groups.end(), s.Id,
+                                    [](const IdGroup& a, uint32_t id) { return a.Id < id; });
+    if (g == groups.end() || g->Id != s.Id) {
+      Note(ix, {GrfV2Result::MissingId, 0, static_cast<int32_t>(i) + 1, s.Id, 0});
+      continue;
+    }
+    s.FirstAlternative = g->First;
+    s.AlternativeCount = g->Count;
+    s.Default = ChooseAlternative(ix.Index, s, -1, 0);
+  }
+}
+
+// Zoom levels by nearness to normal zoom: normal, in2, out2, in4, out4, out8.
+constexpr int32_t kZoomRank[kZoomLevels] = {0, 3, 1, 2, 4, 5};
+const char* const kZoomNames[kZoomLevels] = {"normal", "in4", "in2", "out2", "out4", "out8"};
+
+// Bytes the alternative's stream decompresses to.
+int64_t DecodedSize(const GrfV2Alternative& a) {
+  if (a.Info & kV2Tile) return a.TileSize;
+  return static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+}
+
+// n pixels of the present layers from `from` into the image from cell `cell` on.
+void PutPixels(const uint8_t* from, int64_t n, int64_t cell, GrfV2Image& image) {
+  const uint8_t info = image.Info;
+  uint8_t* rgba = image.Rgba.empty() ? nullptr : image.Rgba.data() + 4 * cell;
+  uint8_t* index = image.Indices.empty() ? nullptr : image.Indices.data() + cell;
+  for (int64_t i = 0; i < n; ++i) {
+    if (info & kV2Rgb) {
+      rgba[0] = from[0];
+      rgba[1] = from[1];
+      rgba[2] = from[2];
+      from += 3;
+      rgba[3] = (info & kV2Alpha) ? *from++ : 255;
+      rgba += 4;
+    } else if (info & kV2Alpha) {
+      ++from;  // alpha without colour has nothing to show
+    }
+    if (info & kV2Palette) *index++ = *from++;
+  }
+}
+
+// Places the runs of the tile form held in `raw`: one offset per row, then each row's runs.
+GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& a,
+                       GrfV2Image& image) {
+  const Reader r{raw.data(), static_cast<int64_t>(raw.size())};
+  const int64_t pixelSize = V2PixelSize(a.Info);
+  const bool longOffsets = raw.size() >= 65536;
+  const bool wide = a.Width > 256;
+  for (int64_t y = 0; y < a.Height; ++y) {
+    int64_t pos = 0;
+    if (longOffsets) {
+      uint32_t offset = 0;
+      if (!U32(r, 4 * y, offset)) return GrfV2Result::TileOutside;
+      pos = offset;
+    } else {
+      uint16_t offset = 0;
+      if (!U16(r, 2 * y, offset)) return GrfV2Result::TileOutside;
+      pos = offset;
+    }
+    for (bool last = false; !last;) {
+      int64_t length = 0, x = 0;
+      if (wide) {
+        uint16_t head = 0, at = 0;
+        if (!U16(r, pos, head) || !U16(r, pos + 2, at)) return GrfV2Result::TileOutside;
+        last = head & 0x8000;
+        length = head & 0x7FFF;
+        x = at;
+        pos += 4;
+      } else {
+        uint8_t head = 0, at = 0;
+        if (!U8(r, pos, head) || !U8(r, pos + 1, at)) return GrfV2Result::TileOutside;
+        last = head & 0x80;
+        length = head & 0x7F;
+        x = at;
+        pos += 2;
+      }
+      if (!Fits(x, length, a.Width) || !Fits(pos, length * pixelSize, r.End))
+        return GrfV2Result::TileOutside;
+      PutPixels(raw.data() + pos, length, y * a.Width + x, image);
+      pos += length * pixelSize;
+    }
+  }
+  return GrfV2Result::Ok;
+}
+
+}  // namespace
+
+std::string GrfV2Text(const GrfV2Problem& p) {
+  const std::string at = " at byte " + std::to_string(p.Position);
+  const std::string sprite = "Sprite " + std::to_string(p.Sprite);
+  const std::string entry = "The entry of id " + std::to_string(p.Id) + at;
+  const std::string stream = "The image stream of id " + std::to_string(p.Id) + at;
+  const std::string value = std::to_string(p.Value);
+  switch (p.Kind) {
+    case GrfV2Result::Ok:
+      return "";
+    case GrfV2Result::NotVersion2:
+      return "Not a GRF file of container version 2";
+    case GrfV2Result::HeaderCut:
+      return "The file's header is cut short: " + value + " bytes of 15";
+    case GrfV2Result::UnknownCompression:
+      return "The file's sections use the unknown compression " + value + "; nothing can be read";
+    case GrfV2Result::SpriteSectionOutside:
+      return "The sprite section would start at byte " + value + ", outside the file";
+    case GrfV2Result::DataSectionCut:
+      return sprite + at + " runs past the end of the data section; no sprite follows";
+    case GrfV2Result::SpriteSectionCut:
+      return entry + " runs past the end of the file; the sprite section ends there";
+    case GrfV2Result::UnknownDataInfo:
+      return sprite + at + " has the unknown info byte " + value + "; it is kept as data";
+    case GrfV2Result::BadReference:
+      return sprite + at + " is a reference of " + value + " bytes instead of 4";
+    case GrfV2Result::MissingId:
+      return sprite + " refers to id " + std::to_string(p.Id) + ", which the file lacks";
+    case GrfV2Result::EmptyEntry:
+      return entry + " is empty";
+    case GrfV2Result::ImageHeaderCut:
+      return entry + " is too short for an image header: " + value + " bytes";
+    case GrfV2Result::UnknownZoom:
+      return entry + " has the unknown zoom level " + value;
+    case GrfV2Result::NoColour:
+      return entry + " has no colour layer (info " + value + ")";
+    case GrfV2Result::NotAnImage:
+      return entry + " holds no image";
+    case GrfV2Result::TooLarge:
+      return stream + " would need more than 64 MiB";
+    case GrfV2Result::StreamOverrun:
+      return stream + " decompresses past its size";
+    case GrfV2Result::StreamShort:
+      return stream + " ends before its decompressed size";
+    case GrfV2Result::TileOutside:
+      return stream + " has a row or a run outside its bounds";
+  }
+  return "";
+}
+
+std::string DecodeText(GrfV2Result result, const GrfV2Alternative& a) {
+  return GrfV2Text({result, a.StreamOffset, 0, a.Id, 0});
+}
+
+bool IsGrfV2(const uint8_t* file, size_t length) {
+  return length >= sizeof kGrfV2Signature &&
+         std::memcmp(file, kGrfV2Signature, sizeof kGrfV2Signature) == 0;
+}
+
+GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
+                       const MessageFn& message) {
+  index = GrfV2Index{};
+  const int64_t end = static_cast<int64_t>(
+      std::min<size_t>(length, static_cast<size_t>(std::numeric_limits<int64_t>::max())));
+  Indexer ix{{file, end}, index, message};
+  uint32_t offset = 0;
+  uint8_t compression = 0;
+  if (!IsGrfV2(file, length)) {
+    Stop(ix, {GrfV2Result::NotVersion2, 0, 0, 0, 0});
+  } else if (!U32(ix.File, 10, offset) || !U8(ix.File, 14, compression)) {
+    Stop(ix, {GrfV2Result::HeaderCut, 0, 0, 0, end});
+  } else if (compression != 0) {
+    Stop(ix, {GrfV2Result::UnknownCompression, 14, 0, 0, compression});
+  } else {
+    // The data section ends where the sprite section starts, if that lies behind the header.
+    const int64_t spriteSection = 14 + static_cast<int64_t>(offset);
+    const bool inside = Fits(kGrfV2HeaderSize, spriteSection - kGrfV2HeaderSize, end);
+    IndexDataSection(ix, inside ? spriteSection : end);
+    // Without a sprite section every reference is missing; the one problem says so.
+    if (inside) {
+      std::vector<IdGroup> groups = IndexSpriteSection(ix, spriteSection);
+      ResolveReferences(ix, groups);
+    } else {
+      Stop(ix, {GrfV2Result::SpriteSectionOutside, 10, 0, 0, spriteSection});
+    }
+  }
+  if (message && index.ProblemCount > kV2ProblemMessages)
+    message("And " + std::to_string(index.ProblemCount - kV2ProblemMessages) +
+            " more problems in this file");
+  return index.End;
+}
+
+std::string ZoomName(uint8_t zoom) {
+  if (zoom < kZoomLevels) return kZoomNames[zoom];
+  return "zoom " + std::to_string(zoom);
+}
+
+bool ParseZoomName(const std::string& name, uint8_t& zoom) {
+  for (uint8_t z = 0; z < kZoomLevels; ++z) {
+    if (name == kZoomNames[z]) {
+      zoom = z;
+      return true;
+    }
+  }
+  return false;
+}
+
+int32_t AlternativeDepth(const GrfV2Alternative& a) {
+  return (a.Info & kV2Rgb) ? 32 : 8;
+}
+
+int32_t V2PixelSize(uint8_t info) {
+  return ((info & kV2Rgb) ? 3 : 0) + ((info & kV2Alpha) ? 1 : 0) + ((info & kV2Palette) ? 1 : 0);
+}
+
+std::string AlternativeName(const GrfV2Alternative& a) {
+  if (a.Info == kV2Pseudo) return "data";
+  return std::to_string(AlternativeDepth(a)) + "bpp " + ZoomName(a.Zoom);
+}
+
+std::string AlternativeNames(const GrfV2Index& index, const GrfV2Sprite& s) {
+  std::string names;
+  for (int32_t i = 0; i < s.AlternativeCount; ++i) {
+    if (!names.empty()) names += ", ";
+    names += AlternativeName(index.Alternatives[static_cast<size_t>(s.FirstAlternative + i)]);
+  }
+  return names;
+}
+
+int32_t ChooseAlternative(const GrfV2Index& index, const GrfV2Sprite& s, int32_t zoom,
+                          int32_t depth) {
+  int32_t best = -1, bestRank = 0;
+  for (int32_t i = s.FirstAlternative; i < s.FirstAlternative + s.AlternativeCount; ++i) {
+    const GrfV2Alternative& a = index.Alternatives[static_cast<size_t>(i)];
+    int32_t rank = 1000;  // data: only when nothing else is there, and never by zoom or depth
+    if (a.Info != kV2Pseudo) {
+      if ((zoom >= 0 && a.Zoom != zoom) || (depth != 0 && AlternativeDepth(a) != depth)) continue;
+      rank = 2 * kZoomRank[a.Zoom] + (AlternativeDepth(a) == 32 ? 0 : 1);
+    } else if (zoom >= 0 || depth != 0) {
+      continue;
+    }
+    if (best < 0 || rank < bestRank) {
+      best = i;
+      bestRank = rank;
+    }
+  }
+  return best;
+}
+
+GrfV2Facts SpriteFacts(const GrfV2Index& index, const GrfV2Sprite& s, int32_t alternative) {
+  GrfV2Facts f;
+  const bool hasAlternative =
+      alternative >= 0 && static_cast<size_t>(alternative) < index.Alternatives.size();
+  if (!hasAlternative) {
+    if (s.Info == kV2Reference) {
+      f.Flags = kV2Reference;
+      return f;
+    }
+    f.Width = f.Size = f.Compressed = s.DataSize;
+    f.Height = 1;
+    f.Flags = kV2Pseudo;
+    return f;
+  }
+  const GrfV2Alternative& a = index.Alternatives[static_cast<size_t>(alternative)];
+  if (a.Info == kV2Pseudo) {
+    f.Width = f.Size = f.Compressed = a.StreamSize;
+    f.Height = 1;
+    f.Flags = kV2Pseudo;
+    return f;
+  }
+  f.Width = a.Width;
+  f.Height = a.Height;
+  f.Size = static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+  f.Compressed = a.StreamSize;
+  f.XOffset = a.XOffset;
+  f.YOffset = a.YOffset;
+  f.Flags = a.Info;
+  return f;
+}
+
+GrfV2Totals IndexTotals(const GrfV2Index& index) {
+  GrfV2Totals t;
+  for (const GrfV2Sprite& s : index.Sprites) {
+    t.Compressed += s.DataSize;
+    t.Decompressed += s.DataSize;
+  }
+  for (const GrfV2Alternative& a : index.Alternatives) {
+    t.Compressed += a.StreamSize;
+    t.Decompressed += a.Info == kV2Pseudo
+                          ? a.StreamSize
+                          : static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+  }
+  return t;
+}
+
+GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
+                              GrfV2Image& image) {
+  image = GrfV2Image{};
+  if (a.Info == kV2Pseudo) return GrfV2Result::NotAnImage;
+  const int64_t cells = static_cast<int64_t>(a.Width) * a.Height;
+  const int64_t decoded = DecodedSize(a);
+  if (cells * V2PixelSize(a.Info) > kV2MaxImageBytes || decoded > kV2MaxImageBytes)
+    return GrfV2Result::TooLarge;
+  if (!Fits(a.StreamOffset, a.StreamSize, static_cast<int64_t>(length)))
+    return GrfV2Result::StreamShort;
+  // A chunk decodes to at most eight times its bytes, so a stream too short for its size is told
+  // before any memory is taken for it.
+  if (decoded > 8 * a.StreamSize) return GrfV2Result::StreamShort;
+  // Tile form holds at least a row offset and a run head for every row.
+  if ((a.Info & kV2Tile) && decoded < 4 * static_cast<int64_t>(a.Height))
+    return GrfV2Result::TileOutside;
+
+  std::vector<uint8_t> raw(static_cast<size_t>(decoded));
+  int32_t readPos = 0, outPos = 0;
+  const int32_t streamBytes =
+      static_cast<int32_t>(std::min<int64_t>(a.StreamSize, std::numeric_limits<int32_t>::max()));
+  const DecodeResult stream =
+      DecodeStream(file + a.StreamOffset, streamBytes, readPos, raw.data(),
+                   static_cast<int32_t>(decoded), outPos, static_cast<int32_t>(decoded), 0);
+  if (stream == DecodeResult::Overrun) return GrfV2Result::StreamOverrun;
+  if (stream == DecodeResult::Truncated) return GrfV2Result::StreamShort;
+
+  image.Width = a.Width;
+  image.Height = a.Height;
+  image.XOffset = a.XOffset;
+  image.YOffset = a.YOffset;
+  image.Info = a.Info;
+  image.Zoom = a.Zoom;
+  if (a.Info & kV2Rgb) image.Rgba.assign(static_cast<size_t>(4 * cells), 0);
+  if (a.Info & kV2Palette) image.Indices.assign(static_cast<size_t>(cells), 0);
+  GrfV2Result result = GrfV2Result::Ok;
+  if (a.Info & kV2Tile)
+    result = PlaceTiles(raw, a, image);
+  else
+    PutPixels(raw.data(), cells, 0, image);
+  if (result != GrfV2Result::Ok) image = GrfV2Image{};
+  return result;
+}
+
+ChunkCursor StartV2ChunkList(const GrfV2Index& index, const GrfV2Sprite& s, int32_t alternative) {
+  ChunkCursor cursor;
+  int64_t offset = s.DataOffset, size = s.DataSize, decoded = s.DataSize;
+  bool action = true;
+  if (alternative >= 0 && static_cast<size_t>(alternative) < index.Alternatives.size()) {
+    const GrfV2Alternative& a = index.Alternatives[static_cast<size_t>(alternative)];
+    offset = a.StreamOffset;
+    size = decoded = a.StreamSize;
+    action = a.Info == kV2Pseudo;
+    if (!action) decoded = DecodedSize(a);
+  } else if (s.Info == kV2Reference) {
+    return cursor;  // nothing to list
+  }
+  // The cursor holds positions in 32 bits.
+  if (!Fits(offset, size, std::numeric_limits<int32_t>::max())) return cursor;
+  cursor.P = static_cast<int32_t>(offset);
+  cursor.End = static_cast<int32_t>(offset + size);
+  cursor.S = static_cast<int32_t>(std::min<int64_t>(decoded, std::numeric_limits<int32_t>::max()));
+  cursor.Action = action;
+  cursor.Done = !action && (cursor.S == 0 || size == 0);
+  return cursor;
+}
+
+std::vector<ChunkLine> V2ChunkList(const uint8_t* file, size_t length, const GrfV2Index& index,
+                                   const GrfV2Sprite& s, int32_t alternative) {
+  std::vector<ChunkLine> lines;
+  ChunkCursor cursor = StartV2ChunkList(index, s, alternative);
+  ChunkLine line;
+  while (NextChunkLineIn(file, length, cursor, line)) lines.push_back(line);
+  return lines;
+}
