@@ -115,6 +115,35 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
   painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), shown);
 }
 
+QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
+                      const PaletteBuffer& palette) {
+  if (width <= 0 || height <= 0 || width * height > kV2MaxImageBytes) return QImage();
+  QImage picture(static_cast<int>(width), static_cast<int>(height), QImage::Format_Indexed8);
+  picture.setColorTable(PaletteColours(palette));
+  for (int64_t y = 0; y < height; ++y)
+    std::memcpy(picture.scanLine(static_cast<int>(y)), indices + y * width,
+                static_cast<size_t>(width));
+  return picture;
+}
+
+QImage AlternativePicture(const GrfV2Image& image, const PaletteBuffer& palette, bool maskLayer) {
+  const auto cells = static_cast<size_t>(int64_t{image.Width} * image.Height);
+  if (image.Width <= 0 || image.Height <= 0) return QImage();
+  const bool rgba = image.Rgba.size() == 4 * cells;
+  const bool indices = image.Indices.size() == cells;
+  if (indices && (maskLayer || !rgba))
+    return IndexedPicture(image.Indices.data(), image.Width, image.Height, palette);
+  if (!rgba) return QImage();
+  QImage picture(image.Width, image.Height, QImage::Format_ARGB32);
+  const uint8_t* from = image.Rgba.data();
+  for (int32_t y = 0; y < image.Height; ++y) {
+    auto* to = reinterpret_cast<QRgb*>(picture.scanLine(y));
+    for (int32_t x = 0; x < image.Width; ++x, from += 4)
+      to[x] = qRgba(from[0], from[1], from[2], from[3]);
+  }
+  return picture;
+}
+
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
                 int32_t magnification) {

@@ -7,6 +7,7 @@
 #include <QImage>
 
 #include "grf.h"
+#include "grf2.h"
 #include "palette.h"
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
@@ -40,6 +41,16 @@ bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
 // the checkerboard. A null picture leaves the canvas white.
 void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
                   double freeWidth, double areaHeight, int32_t magnification);
+
+// width x height palette indices, row by row, as an 8-bit indexed image through the palette. A
+// null image for an empty size or one above 64 MiB.
+QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
+                      const PaletteBuffer& palette);
+
+// A decoded version-2 picture as PaintPicture takes it: an 8-bit one as indices through the
+// palette, a 32-bit one as ARGB32 with its alpha; with `maskLayer`, the mask layer of a 32-bit
+// one through the palette instead. A null image when there is nothing of that kind to show.
+QImage AlternativePicture(const GrfV2Image& image, const PaletteBuffer& palette, bool maskLayer);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);
