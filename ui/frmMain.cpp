@@ -79,6 +79,9 @@ void frmMain::Form_Unload() {
 void frmMain::EraseStores() {
   Store.SpriteData.clear();
   Store.SpriteTable = {};
+  Version2 = false;
+  FileData = {};
+  V2 = GrfV2Index{};
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -92,6 +95,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 bool frmMain::DrawSprite(int32_t Index) {
+  if (Version2) return DrawV2Sprite(Index);
   // A version-1 table never holds more than 32,767 records.
   if (Index < 0 || Index > INT16_MAX) return false;
   if (!::DrawSprite(picSprite->Image(), Store, static_cast<int16_t>(Index), Palette,
@@ -121,7 +125,15 @@ void frmMain::LoadGRF() {
     MsgBox(kMsgTooSmall, "Error", MsgBoxIcon::Exclamation);
     return;
   }
+  if (IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
+    LoadGRFV2(std::move(file.Bytes), start);
+    return;
+  }
   setEnabled(false);
+  // A version-1 file replaces the version-2 file that was open, if any.
+  Version2 = false;
+  FileData = {};
+  V2 = GrfV2Index{};
 
   SetCaption(this, "Getting number of sprites...");
   DoEvents();
@@ -141,7 +153,8 @@ void frmMain::LoadGRF() {
   AddMessage(LoadedMessage(totals.Count, GetTickCount() - start));
 
   SetCaption(lblStatus, StatusText(FileName, totals.CompressedTotal, totals.DecodedTotal, length));
-  Choice = AltChoice{};
+  ChosenZoom = -1;
+  ChosenDepth = 0;
 
   scrSprite->SetMax(totals.Count - 1);
   scrSprite_Change();
@@ -171,9 +184,9 @@ void frmMain::SaveGRF() {}
 
 void frmMain::scrSprite_Change() {
   const int32_t Value = scrSprite->Value();
-  ShownAlts.clear();
-  ShownAlt = -1;
-  if (Value < 0 || static_cast<size_t>(Value) >= Store.SpriteTable.size()) {
+  Offer = PictureOffer{};
+  const size_t count = Version2 ? V2.Sprites.size() : Store.SpriteTable.size();
+  if (Value < 0 || static_cast<size_t>(Value) >= count) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.
     picSprite->SetBackColor(picSprite->BackColor());
     picSprite->Refresh();
@@ -182,12 +195,19 @@ void frmMain::scrSprite_Change() {
     UpdateViewItems();
     return;
   }
+  if (Version2) {
+    ShowV2Sprite(Value);
+    UpdateViewItems();
+    return;
+  }
   DrawSprite(Value);
   const SpriteRecord& r = Store.SpriteTable[static_cast<size_t>(Value)];
   // A version-1 sprite has one picture: normal zoom, 8 bits a pixel.
   if (r.Flags != kActionFlags) {
-    ShownAlts.push_back(AltKey{});
-    ShownAlt = 0;
+    Offer.Zooms[kZoomNormal] = true;
+    Offer.Depth8 = true;
+    Offer.Zoom = kZoomNormal;
+    Offer.Depth = 8;
   }
   UpdateViewItems();
   SetCaption(this, ViewingCaption(Value, r));
@@ -230,8 +250,7 @@ void frmMain::mnuNew_Click() {
   // here and nothing runs on the stores once they are erased below.
   scrSprite->SetMax(0);
   for (QLabel* label : {lblFlags, lblOffset, lblSize, lblCompressed}) SetCaption(label, "-");
-  ShownAlts.clear();
-  ShownAlt = -1;
+  Offer = PictureOffer{};
   UpdateViewItems();
   SetCaption(lblStatus, "No file loaded");
   EraseStores();

@@ -10,10 +10,10 @@
 
 #include <QMainWindow>
 
-#include "alternatives.h"
 #include "filedialog.h"
 #include "frmChunk.h"
 #include "grf.h"
+#include "grf2.h"
 #include "palette.h"
 
 class QAction;
@@ -29,8 +29,16 @@ class ScrollBar;
 struct ColumnHeader;
 struct ListItem;
 
-// Zoom levels of a version-2 sprite, numbered as the file numbers them.
-inline constexpr int32_t kZoomLevels = 6;
+// What the sprite on view offers the View menu: the zoom levels and colour depths of its
+// pictures, and those of the picture shown (Zoom -1 when none is).
+struct PictureOffer {
+  std::array<bool, kZoomLevels> Zooms{};
+  bool Depth8 = false;
+  bool Depth32 = false;
+  int32_t Zoom = -1;
+  int32_t Depth = 0;
+  bool Mask = false;
+};
 
 // The caption of the window until a sprite is shown.
 inline constexpr const char kFormCaption[] = "Vossel (GRF loader engine)";
@@ -46,7 +54,12 @@ class frmMain : public QMainWindow {
   int hWnd();
 
   // The sprite store, the palette and the file of the window.
-  SpriteStore Store;  // SpriteTable and SpriteData
+  SpriteStore Store;  // SpriteTable and SpriteData of a version-1 file
+  // A version-2 file is indexed when it opens and stays in memory: its pictures are decoded as
+  // they are shown.
+  bool Version2 = false;
+  std::vector<uint8_t> FileData;
+  GrfV2Index V2;
   PaletteBuffer Palette{};
   std::string PaletteFile;
   std::string FileName;
@@ -59,12 +72,11 @@ class frmMain : public QMainWindow {
   // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across sprites,
   // loads and New.
   int32_t Magnification = 1;
-  // The zoom level and colour depth the user chose, kept while browsing; a load starts from every
-  // sprite's default again.
-  AltChoice Choice;
-  // The alternatives of the sprite on view, and the one shown (-1: none, as for an action sprite).
-  std::vector<AltKey> ShownAlts;
-  int32_t ShownAlt = -1;
+  // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing; a
+  // sprite without that picture shows its default one. A load starts from the defaults again.
+  int32_t ChosenZoom = -1;
+  int32_t ChosenDepth = 0;
+  PictureOffer Offer;
 
   // Controls, by their names.
   PictureBox* Client;  // the window's client area: background colour and banner
@@ -152,6 +164,14 @@ class frmMain : public QMainWindow {
   // The enabled and checked states of the View items for the sprite on view.
   void UpdateViewItems();
   void SetMagnification(int32_t magnification);
+  // The version-2 side of LoadGRF, DrawSprite and scrSprite_Change.
+  void LoadGRFV2(std::vector<uint8_t> bytes, int32_t start);
+  bool DrawV2Sprite(int32_t Index);
+  void ShowV2Sprite(int32_t Index);
+  // The alternative of sprite s to show: the chosen one where s has it, else its default.
+  int32_t ShownAlternative(const GrfV2Sprite& s) const;
+  // Alternatives whose failure to decode has been reported, so that browsing says it once.
+  std::vector<bool> reported_;
   void EraseStores();
   // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
   void PrepareFileDialog();

@@ -100,14 +100,34 @@ void frmMain::mnuActualSize_Click() {
   SetMagnification(1);
 }
 
-// A new choice shows the sprite on view anew, with its facts.
+// A zoom level at the depth on view where the sprite has it, else at the depth it has; a depth
+// at the zoom level on view, else at the sprite's level nearest to normal. A version-1 sprite has
+// its one picture. Either way the sprite is shown anew with its facts, and the items follow.
 void frmMain::mnuLevel_Click(int32_t zoom) {
-  Choice = ChooseZoom(ShownAlts, ShownAlt, Choice, zoom);
+  const int32_t v = scrSprite->Value();
+  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
+    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
+    int32_t a = ChooseAlternative(V2, s, zoom, Offer.Depth);
+    if (a < 0) a = ChooseAlternative(V2, s, zoom, 0);
+    if (a >= 0) {
+      ChosenZoom = zoom;
+      ChosenDepth = AlternativeDepth(V2.Alternatives[static_cast<size_t>(a)]);
+    }
+  }
   scrSprite_Change();
 }
 
 void frmMain::mnuDepth_Click(int32_t bits) {
-  Choice = ChooseDepth(ShownAlts, ShownAlt, Choice, bits);
+  const int32_t v = scrSprite->Value();
+  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
+    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
+    int32_t a = ChooseAlternative(V2, s, Offer.Zoom, bits);
+    if (a < 0) a = ChooseAlternative(V2, s, -1, bits);
+    if (a >= 0) {
+      ChosenZoom = V2.Alternatives[static_cast<size_t>(a)].Zoom;
+      ChosenDepth = bits;
+    }
+  }
   scrSprite_Change();
 }
 
@@ -120,21 +140,15 @@ void frmMain::UpdateViewItems() {
   mnuZoomOut->setEnabled(Magnification > kMinMagnification);
   mnuActualSize->setEnabled(Magnification != 1);
 
-  const bool shown = ShownAlt >= 0 && static_cast<size_t>(ShownAlt) < ShownAlts.size();
-  const AltKey onView = shown ? ShownAlts[static_cast<size_t>(ShownAlt)] : AltKey{};
-  const auto has = [this](auto test) {
-    return std::any_of(ShownAlts.begin(), ShownAlts.end(), test);
-  };
   for (int32_t zoom = 0; zoom < kZoomLevels; ++zoom) {
     QAction* item = mnuLevel[static_cast<size_t>(zoom)];
-    item->setEnabled(has([zoom](const AltKey& a) { return a.Zoom == zoom; }));
-    item->setChecked(shown && onView.Zoom == zoom);
+    item->setEnabled(Offer.Zooms[static_cast<size_t>(zoom)]);
+    item->setChecked(Offer.Zoom == zoom);
   }
-  for (QAction* item : {mnuDepth8, mnuDepth32}) {
-    const int32_t depth = item == mnuDepth8 ? 8 : 32;
-    item->setEnabled(has([depth](const AltKey& a) { return a.Depth == depth; }));
-    item->setChecked(shown && onView.Depth == depth);
-  }
-  // The choice to see the mask stays while browsing; only a sprite with one can show it.
-  mnuMaskLayer->setEnabled(shown && onView.Mask);
+  mnuDepth8->setEnabled(Offer.Depth8);
+  mnuDepth8->setChecked(Offer.Depth == 8);
+  mnuDepth32->setEnabled(Offer.Depth32);
+  mnuDepth32->setChecked(Offer.Depth == 32);
+  // The wish to see the mask stays while browsing; only a picture with one can show it.
+  mnuMaskLayer->setEnabled(Offer.Mask);
 }

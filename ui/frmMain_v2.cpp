@@ -1,0 +1,153 @@
+// frmMain on a file of container version 2: the load indexes the file and keeps its bytes, the
+// list shows each sprite's default picture, and a sprite's picture is decoded when it is shown.
+#include <algorithm>
+#include <utility>
+
+#include <QAction>
+#include <QLabel>
+
+#include "controls.h"
+#include "frmMain.h"
+#include "listbox.h"
+#include "listview.h"
+#include "picturebox.h"
+#include "process.h"
+#include "renderer.h"
+#include "scrollbar.h"
+#include "text.h"
+
+namespace {
+
+// A number under a mask of zeros; one beyond 32 bits stands as it is, as a mask never cuts.
+std::string Filled(int64_t value, int digits) {
+  if (value < INT32_MIN || value > INT32_MAX) return std::to_string(value);
+  return FormatZeroFilled(static_cast<int32_t>(value), digits);
+}
+
+int32_t Clamped(int64_t value) {
+  return static_cast<int32_t>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
+}
+
+// The facts as a version-1 record, for the texts whose fields hold them whole: flags and offsets.
+SpriteRecord FlagsAndOffsets(const GrfV2Facts& f) {
+  SpriteRecord r;
+  r.Flags = f.Flags;
+  r.XOffset = f.XOffset;
+  r.YOffset = f.YOffset;
+  return r;
+}
+
+}  // namespace
+
+int32_t frmMain::ShownAlternative(const GrfV2Sprite& s) const {
+  if (ChosenZoom >= 0) {
+    const int32_t chosen = ChooseAlternative(V2, s, ChosenZoom, ChosenDepth);
+    if (chosen >= 0) return chosen;
+  }
+  return s.Default;
+}
+
+void frmMain::LoadGRFV2(std::vector<uint8_t> bytes, int32_t start) {
+  setEnabled(false);
+  SetCaption(this, "Getting number of sprites...");
+  DoEvents();
+  // Each problem of the file is a line of its own; the rest of the file stays browsable.
+  GrfV2Index index;
+  IndexGrfV2(bytes.data(), bytes.size(), index, [this](const std::string& m) { AddMessage(m); });
+
+  SetCaption(this, "Reserving memory (and unloading previous data if any)...");
+  DoEvents();
+  EraseStores();
+  Version2 = true;
+  FileData = std::move(bytes);
+  V2 = std::move(index);
+  reported_.assign(V2.Alternatives.size(), false);
+  AddMessage(PreparedMessage(GetTickCount() - start));
+
+  start = GetTickCount();
+  SetCaption(this, "Processing sprites...");
+  DoEvents();
+  const auto count = static_cast<int32_t>(std::min<size_t>(V2.Sprites.size(), INT32_MAX));
+  const GrfV2Totals totals = IndexTotals(V2);
+  AddMessage(LoadedMessage(count, GetTickCount() - start));
+  SetCaption(lblStatus, StatusText(FileName, Clamped(totals.Compressed),
+                                   Clamped(totals.Decompressed), Clamped(FileData.size())));
+  ChosenZoom = -1;
+  ChosenDepth = 0;
+
+  scrSprite->SetMax(count - 1);
+  scrSprite_Change();
+  DoEvents();
+
+  lvwSprite->Clear();
+  lvwSprite->setVisible(false);
+  for (int32_t i = 0; i < count; ++i) {
+    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(i)];
+    const GrfV2Facts f = SpriteFacts(V2, s, s.Default);
+    lvwSprite->AddItem("k" + std::to_string(i),
+                       {Filled(i + 1, 4), Filled(f.Width, 3), Filled(f.Height, 3),
+                        Filled(f.Size, 5), ByteToBinary(f.Flags, 8)});
+  }
+  lvwSprite->setVisible(true);
+
+  AddMessage(FileLoadedMessage(FileName));
+  Li->SetListIndex(0);
+  setEnabled(true);
+}
+
+bool frmMain::DrawV2Sprite(int32_t Index) {
+  if (Index < 0 || static_cast<size_t>(Index) >= V2.Sprites.size()) return false;
+  const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(Index)];
+  const int32_t shown = ShownAlternative(s);
+  QImage picture;
+  int32_t x = 0, y = 0;
+  const GrfV2Alternative* a = shown >= 0 ? &V2.Alternatives[static_cast<size_t>(shown)] : nullptr;
+  if (a != nullptr && a->Info != kV2Pseudo) {
+    GrfV2Image image;
+    const GrfV2Result result = DecodeAlternative(FileData.data(), FileData.size(), *a, image);
+    // A picture that cannot be decoded leaves the area white, and says why once.
+    if (result != GrfV2Result::Ok && !reported_[static_cast<size_t>(shown)]) {
+      reported_[static_cast<size_t>(shown)] = true;
+      AddMessage("Sprite " + std::to_string(Index + 1) + ": " + DecodeText(result, *a));
+      Li->SetListIndex(0);
+    }
+    picture = AlternativePicture(image, Palette, mnuMaskLayer->isChecked());
+    x = image.XOffset;
+    y = image.YOffset;
+  } else if (a != nullptr || s.Info != kV2Reference) {
+    // Data shows as an action sprite does: a strip of its bytes read as palette indices.
+    const int64_t offset = a != nullptr ? a->StreamOffset : s.DataOffset;
+    const int64_t size = a != nullptr ? a->StreamSize : s.DataSize;
+    if (offset >= 0 && size <= static_cast<int64_t>(FileData.size()) - offset)
+      picture = IndexedPicture(FileData.data() + offset, size, 1, Palette);
+  }
+  PaintPicture(picSprite->Image(), picture, x, y, Left(scrSprite), ScaleHeight(picSprite),
+               Magnification);
+  picSprite->Refresh();
+  return true;
+}
+
+void frmMain::ShowV2Sprite(int32_t Index) {
+  DrawSprite(Index);
+  const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(Index)];
+  const int32_t shown = ShownAlternative(s);
+  const GrfV2Facts f = SpriteFacts(V2, s, shown);
+  SetCaption(this, "Viewing sprite " + std::to_string(int64_t{Index} + 1) + " (" +
+                       std::to_string(f.Width) + " x " + std::to_string(f.Height) + ")");
+  SetCaption(lblFlags, FlagsText(FlagsAndOffsets(f)));
+  SetCaption(lblSize, std::to_string(f.Size));
+  SetCaption(lblCompressed, std::to_string(f.Compressed));
+  SetCaption(lblOffset, OffsetText(FlagsAndOffsets(f)));
+
+  for (int32_t i = s.FirstAlternative; i < s.FirstAlternative + s.AlternativeCount; ++i) {
+    const GrfV2Alternative& a = V2.Alternatives[static_cast<size_t>(i)];
+    if (a.Info == kV2Pseudo) continue;
+    const int32_t depth = AlternativeDepth(a);
+    Offer.Zooms[a.Zoom] = true;
+    (depth == 32 ? Offer.Depth32 : Offer.Depth8) = true;
+    if (i != shown) continue;
+    Offer.Zoom = a.Zoom;
+    Offer.Depth = depth;
+    Offer.Mask = (a.Info & kV2Rgb) != 0 && (a.Info & kV2Palette) != 0;
+  }
+}
