@@ -89,8 +89,8 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 }
 
 void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
-                  double freeWidth, double areaHeight, int32_t magnification) {
-  canvas.fill(QColor(Qt::white));
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification) {
+  canvas.fill(background);
   if (picture.isNull() || canvas.isNull()) return;
   const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
 
@@ -146,12 +146,13 @@ QImage AlternativePicture(const GrfV2Image& image, const PaletteBuffer& palette,
 
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                int32_t magnification) {
+                QColor background, int32_t magnification) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
-  PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, magnification);
+  PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, background,
+               magnification);
   return true;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <QColor>
 #include <QImage>
 
 #include "grf.h"
@@ -28,19 +29,20 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
                     const PaletteBuffer& palette);
 
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
-// canvas is wiped to white, then the sprite is copied unscaled and opaque at its placement,
-// clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight` picSprite.ScaleHeight.
-// Returns false, with the canvas untouched, when the table holds no record at `index`.
+// canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
+// and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
+// picSprite.ScaleHeight. Returns false, with the canvas untouched, when the table holds no record
+// at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                int32_t magnification = 1);
+                QColor background = Qt::white, int32_t magnification = 1);
 
-// Wipes `canvas` to white and paints `picture` at the placement its size and offsets give,
+// Wipes `canvas` to `background` and paints `picture` at the placement its size and offsets give,
 // magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
 // picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32) is laid over
-// the checkerboard. A null picture leaves the canvas white.
+// the checkerboard. A null picture leaves the canvas wiped.
 void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
-                  double freeWidth, double areaHeight, int32_t magnification);
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification);
 
 // width x height palette indices, row by row, as an 8-bit indexed image through the palette. A
 // null image for an empty size or one above 64 MiB.

@@ -58,24 +58,28 @@ ScanOutcome WalkRecords(ChunkScan& scan) {
     if (flags == kActionFlags) {
       EnterRecord(scan, i, flags, static_cast<int32_t>(p + 3));
       scan.SpriteSize[i] = word;
-      // A negative word would step back or stand still.
-      if (word < 0 || p + 3 + word > length) return refuse();
+      // A negative word would step back. Data that runs past the end of the file ends the walk at
+      // the loop's head like any other last record; its line reads nothing of FileData.
+      if (word < 0) return refuse();
       p += 3 + word;
     } else {
       EnterRecord(scan, i, flags, static_cast<int32_t>(p + 10));
       if (p + 10 > length) return refuse();  // header cut by the end of the file
       const int32_t height = f[p + 3];
       const int32_t width = f[p + 5] * 256 + f[p + 4];
-      // Below 8 the word cannot count the flags byte and header: 1 to 7 overshoot at once, and the
-      // negative words include 32,768 to 32,775, which cannot be reduced by 8 in 16 bits.
-      if (word < 8) return refuse();
+      // Negative words would step back; they include 32,768 to 32,775, which cannot be reduced
+      // by 8 in 16 bits.
+      if (word < 0) return refuse();
       const int32_t streamSize = word - 8;
       p += 10;
       if (flags & kStoredSizeFlag) {
+        // The stream is stepped over, not walked: a word of 1 to 7 moves the position by L + 2
+        // all the same, and a stream past the end of the file ends the walk at the loop's head.
         scan.SpriteSize[i] = width * height;
-        if (p + streamSize > length) return refuse();
         p += streamSize;
       } else {
+        // Below 8 the word cannot count the header: the first chunk overshoots.
+        if (streamSize < 0) return refuse();
         int32_t count = 0;
         while (count != streamSize) {
           if (p >= length) return refuse();  // the stream runs past the end of the file

@@ -155,6 +155,9 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
     totals.DecodedTotal += r.Size;
     ++count;
   }
+  // Entries behind the count were never filled, or only partly by a sprite that failed: the table
+  // keeps just the sprites that were decoded, so its size is the one count everybody reads.
+  store.SpriteTable.resize(static_cast<size_t>(count));
   totals.Count = static_cast<int16_t>(count);
   totals.WritePosition = write;
   return totals;

@@ -60,7 +60,8 @@ struct DecodeTotals {
 void ReserveStore(SpriteStore& store, int16_t count);
 
 // Decoding pass over the whole file into a store made by ReserveStore. `rowBuffer` holds
-// kRowBufferSize bytes, zero-filled when the load starts and not cleared between sprites.
+// kRowBufferSize bytes, zero-filled when the load starts and not cleared between sprites. The
+// table is cut to the sprites decoded, so that it never holds an entry that cannot be shown.
 DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& store,
                            uint8_t* rowBuffer, const MessageFn& message);
 

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
 #include <QTimer>
 
 #include "hwnd.h"
@@ -156,6 +158,29 @@ intptr_t QtSendMessage(int32_t hwnd, uint32_t Msg, intptr_t wParam, intptr_t lPa
   return 0;
 }
 
+// The browser's message is a line of its own above the tree. Qt's dialog lays out in a grid, so
+// every item moves one row down to make room at the top.
+void ShowMessageAboveTree(QFileDialog& dialog, const QString& message) {
+  auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
+  auto* label = new QLabel(message, &dialog);
+  label->setObjectName(QStringLiteral("message"));
+  label->setWordWrap(true);
+  if (grid == nullptr) return;
+  struct Placed {
+    QLayoutItem* Item;
+    int Row, Column, RowSpan, ColumnSpan;
+  };
+  std::vector<Placed> items;
+  for (int i = grid->count() - 1; i >= 0; --i) {
+    Placed p{nullptr, 0, 0, 0, 0};
+    grid->getItemPosition(i, &p.Row, &p.Column, &p.RowSpan, &p.ColumnSpan);
+    p.Item = grid->takeAt(i);
+    items.push_back(p);
+  }
+  for (const Placed& p : items) grid->addItem(p.Item, p.Row + 1, p.Column, p.RowSpan, p.ColumnSpan);
+  grid->addWidget(label, 0, 0, 1, grid->columnCount());
+}
+
 }  // namespace
 
 void SetFolderBrowserOps(FolderBrowserOps ops) {
@@ -201,9 +226,9 @@ void ConfigureFolderBrowser(QFileDialog& dialog, const BROWSEINFOA& bi) {
   dialog.setOption(QFileDialog::ShowDirsOnly);
   // Only the new style offers to make a folder.
   dialog.setOption(QFileDialog::ReadOnly, (bi.ulFlags & BIF_NEWDIALOGSTYLE) == 0);
-  const bool titled = bi.lpszTitle != nullptr && *bi.lpszTitle != '\0';
-  dialog.setWindowTitle(titled ? QString::fromLocal8Bit(bi.lpszTitle)
-                               : QStringLiteral("Browse For Folder"));
+  dialog.setWindowTitle(QStringLiteral("Browse For Folder"));
+  if (bi.lpszTitle != nullptr && *bi.lpszTitle != '\0')
+    ShowMessageAboveTree(dialog, QString::fromLocal8Bit(bi.lpszTitle));
   dialog.setDirectory(bi.pidlRoot != nullptr ? QFile::decodeName(bi.pidlRoot->path.c_str())
                                              : QDir::rootPath());
 }

@@ -99,7 +99,8 @@ bool frmMain::DrawSprite(int32_t Index) {
   // A version-1 table never holds more than 32,767 records.
   if (Index < 0 || Index > INT16_MAX) return false;
   if (!::DrawSprite(picSprite->Image(), Store, static_cast<int16_t>(Index), Palette,
-                    Left(scrSprite), ScaleHeight(picSprite), Magnification))
+                    Left(scrSprite), ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()),
+                    Magnification))
     return false;
   picSprite->Refresh();
   return true;
@@ -165,8 +166,7 @@ void frmMain::LoadGRF() {
 
   lvwSprite->Clear();
   lvwSprite->setVisible(false);
-  const int32_t rows =
-      std::min<int32_t>(totals.Count, static_cast<int32_t>(Store.SpriteTable.size()));
+  const auto rows = static_cast<int32_t>(Store.SpriteTable.size());
   for (int32_t i = 1; i <= rows; ++i) {
     SpriteRowTexts row = SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]);
     lvwSprite->AddItem(std::move(row.Key),

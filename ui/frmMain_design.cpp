@@ -160,7 +160,12 @@ void frmMain::BuildControls() {
   SetAutoSize(lblStatus, true);
   SetCaption(lblStatus, "No file loaded");
 
-  // Only the two lists take the focus by tab; the pictures, the frame and the labels do not.
-  for (PictureBox* box : {Client, Grid, BGpanel, picSprite}) box->setFocusPolicy(Qt::NoFocus);
-  setTabOrder(Li, lvwSprite);
+  // The panel, the two lists and the picture area take the focus by tab, none of them by a click;
+  // the frame, the labels and the scroll bar are passed over.
+  Client->setFocusPolicy(Qt::NoFocus);
+  for (PictureBox* box : {Grid, BGpanel, picSprite}) box->setFocusPolicy(Qt::TabFocus);
+  setTabOrder(BGpanel, Li);
+  setTabOrder(Li, picSprite);
+  setTabOrder(picSprite, Grid);
+  setTabOrder(Grid, lvwSprite);
 }

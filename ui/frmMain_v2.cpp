@@ -122,7 +122,7 @@ bool frmMain::DrawV2Sprite(int32_t Index) {
       picture = IndexedPicture(FileData.data() + offset, size, 1, Palette);
   }
   PaintPicture(picSprite->Image(), picture, x, y, Left(scrSprite), ScaleHeight(picSprite),
-               Magnification);
+               ColourOfBgr(picSprite->BackColor()), Magnification);
   picSprite->Refresh();
   return true;
 }

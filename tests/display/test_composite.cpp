@@ -105,7 +105,7 @@ TEST(PaintPicture, MagnifiedPlacementScalesSizesAndOffsets) {
     for (int m : {1, 2, 3, 5, 16}) {
       const QImage picture = RandomPicture(rng, 7, 5, format);
       QImage canvas(120, 90, QImage::Format_RGB32);
-      PaintPicture(canvas, picture, -3, 4, 100, 90, m);
+      PaintPicture(canvas, picture, -3, 4, 100, 90, Qt::white, m);
       // x = (100 - 7m - 3m) / 2, y = (90 - 5m + 4m) / 2, truncated toward zero.
       const int x0 = (100 - 10 * m) / 2, y0 = (90 - m) / 2;
       QImage whole = Nearest(picture, m);

@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
+#include <QLayout>
 #include <QTemporaryDir>
 #include <QWidget>
 
@@ -840,7 +842,16 @@ TEST_F(QtFolderTest, ConfigureBrowserPerKind) {
   EXPECT_TRUE(newStyle.testOption(QFileDialog::ShowDirsOnly));
   EXPECT_TRUE(newStyle.testOption(QFileDialog::DontUseNativeDialog));
   EXPECT_FALSE(newStyle.testOption(QFileDialog::ReadOnly));
-  EXPECT_EQ("Select a folder:", newStyle.windowTitle());
+  // The message is the line above the tree, not the title.
+  EXPECT_EQ("Browse For Folder", newStyle.windowTitle());
+  auto* message = newStyle.findChild<QLabel*>("message");
+  ASSERT_NE(message, nullptr);
+  EXPECT_EQ("Select a folder:", message->text());
+  newStyle.resize(600, 400);
+  newStyle.layout()->activate();
+  for (QWidget* w : newStyle.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+    if (w != message && w->isVisibleTo(&newStyle)) EXPECT_GE(w->y(), message->geometry().bottom());
+  }
 
   bi.ulFlags = 0;
   bi.lpszTitle = "";
@@ -848,6 +859,7 @@ TEST_F(QtFolderTest, ConfigureBrowserPerKind) {
   ConfigureFolderBrowser(plain, bi);
   EXPECT_TRUE(plain.testOption(QFileDialog::ReadOnly));
   EXPECT_EQ("Browse For Folder", plain.windowTitle());
+  EXPECT_EQ(plain.findChild<QLabel*>("message"), nullptr);
   EXPECT_EQ(QDir(QDir::rootPath()), plain.directory());
 }
 

@@ -81,9 +81,10 @@ Bytes Sequence(uint8_t first, int count) {
 }
 
 // An action record that claims 100 bytes and has 20.
-Bytes CutAction() {
-  Bytes b = grfw::ActionRecord(Bytes(100, 0x55));
-  b.resize(23);
+// A first sprite whose stream overshoots its length word of 9 at the first chunk.
+Bytes OvershootingSprite() {
+  Bytes b = grfw::RawSprite(9, 0, 1, 1, 0, 0, {0x02, 0x0A, 0x0B});
+  b.resize(20, 0);
   return b;
 }
 
@@ -365,8 +366,8 @@ TEST_F(ChunkViewer, FileWithNoSpriteToChooseListsNothing) {
     size_t Boxes;
   } cases[] = {
       {"zero first word", Bytes(20, 0), 0},
-      // An action sprite whose data run past the end of the file: refused, though entered.
-      {"invalid first sprite", CutAction(), 1},
+      // Refused, though entered.
+      {"invalid first sprite", OvershootingSprite(), 1},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Name);

@@ -1,11 +1,13 @@
 // The main window's design and its layout rules at the design size and after resizes.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTest>
 
 #include "hwnd.h"
 #include "line.h"
@@ -101,6 +103,20 @@ TEST(Layout, ControlsStandAtTheirDesignPlacesWithTheirTexts) {
   EXPECT_EQ(form->scrSprite->orientation(), Qt::Vertical);
   EXPECT_EQ(form->scrSprite->Max(), 0);
   EXPECT_EQ(form->scrSprite->focusPolicy(), Qt::ClickFocus);
+}
+
+TEST(Layout, TabVisitsThePanelTheMessagesThePictureAndTheList) {
+  uitest::StartedForm form;
+  form->show();
+  QApplication::setActiveWindow(form.Form.get());
+  form->BGpanel->setFocus(Qt::TabFocusReason);
+  std::vector<QWidget*> visited;
+  for (int i = 0; i < 5; ++i) {
+    visited.push_back(QApplication::focusWidget());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_EQ(visited, (std::vector<QWidget*>{form->BGpanel, form->Li, form->picSprite,
+                                            form->lvwSprite, form->BGpanel}));
 }
 
 TEST(Layout, FontsColoursAndPictures) {

@@ -216,31 +216,50 @@ TEST(LoadGRF, AnOverrunEndsTheCountWithOneMessageAndTheLoadGoesOn) {
 }
 
 TEST(LoadGRF, AFileWithoutSpritesLeavesABlankPictureAndNoFacts) {
-  uitest::StartedForm form;
-  form.Load("five.grf", uitest::FiveSprites());
-  std::vector<uitest::Shown>& boxes = form.Boxes.Boxes;
-  boxes.clear();
-  // Seventeen bytes whose first length word is 0.
-  form.Load("none.grf", grfw::Bytes(17, 0));
-  EXPECT_TRUE(boxes.empty());
-  EXPECT_EQ(form->Store.SpriteTable.size(), 0u);
-  EXPECT_EQ(form->scrSprite->Max(), 0);
-  EXPECT_EQ(form->scrSprite->Value(), 0);
-  EXPECT_EQ(form->lvwSprite->ItemCount(), 0);
-  EXPECT_EQ(form->Li->List(1).rfind("Loaded 0 sprites in ", 0), 0u);
-  EXPECT_EQ(Caption(form.Form.get()), "Vossel (GRF loader engine)");
-  for (QLabel* label : {form->lblFlags, form->lblSize, form->lblCompressed, form->lblOffset})
-    EXPECT_EQ(Caption(label), "-");
-  EXPECT_EQ(Caption(form->lblStatus).substr(Caption(form->lblStatus).find("\r\n")),
-            "\r\n- Compression ratio: 0.00 %\r\n- 0 bytes compressed of 0 bytes uncompressed"
-            "\r\n- Filesize 17 bytes");
-  const QImage& image = form->picSprite->Image();
-  for (int y = 0; y < image.height(); y += 5)
-    for (int x = 0; x < image.width(); x += 5) ASSERT_EQ(image.pixel(x, y), qRgb(255, 255, 255));
-  // Resizing finds no sprite and says nothing.
-  form->resize(form->width() + 30, form->height());
-  EXPECT_TRUE(boxes.empty());
-  EXPECT_TRUE(form->isEnabled());
+  const struct {
+    const char* Name;
+    grfw::Bytes File;
+    size_t Boxes;
+  } cases[] = {
+      {"zero first word", grfw::Bytes(17, 0), 0},
+      // Counted on its stored size, then its stream overshoots 1 x 2 pixels while decoding.
+      {"first sprite fails to decode",
+       grfw::File({grfw::SpriteRec(2, 2, 1, 0, 0, grfw::Literal({1, 2, 3}), 0),
+                   grfw::PlainSprite(1, 1, {7})}),
+       1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Name);
+    uitest::StartedForm form;
+    form->picSprite->SetBackColor(0x00336699);
+    form.Load("five.grf", uitest::FiveSprites());
+    // A drawn sprite stands on the picture box's own colour.
+    EXPECT_EQ(form->picSprite->Image().pixel(0, 0), qRgb(0x99, 0x66, 0x33));
+    std::vector<uitest::Shown>& boxes = form.Boxes.Boxes;
+    boxes.clear();
+    form.Load("none.grf", c.File);
+    EXPECT_EQ(boxes.size(), c.Boxes);
+    EXPECT_EQ(form->Store.SpriteTable.size(), 0u);
+    EXPECT_EQ(form->scrSprite->Max(), 0);
+    EXPECT_EQ(form->scrSprite->Value(), 0);
+    EXPECT_EQ(form->lvwSprite->ItemCount(), 0);
+    EXPECT_EQ(form->Li->List(1).rfind("Loaded 0 sprites in ", 0), 0u);
+    EXPECT_EQ(Caption(form.Form.get()), "Vossel (GRF loader engine)");
+    for (QLabel* label : {form->lblFlags, form->lblSize, form->lblCompressed, form->lblOffset})
+      EXPECT_EQ(Caption(label), "-");
+    EXPECT_EQ(Caption(form->lblStatus).substr(Caption(form->lblStatus).find("\r\n")),
+              "\r\n- Compression ratio: 0.00 %\r\n- 0 bytes compressed of 0 bytes uncompressed"
+              "\r\n- Filesize " +
+                  std::to_string(c.File.size()) + " bytes");
+    const QImage& image = form->picSprite->Image();
+    for (int y = 0; y < image.height(); y += 5)
+      for (int x = 0; x < image.width(); x += 5)
+        ASSERT_EQ(image.pixel(x, y), qRgb(0x99, 0x66, 0x33));
+    // Resizing finds no sprite and says nothing.
+    form->resize(form->width() + 30, form->height());
+    EXPECT_EQ(boxes.size(), c.Boxes);
+    EXPECT_TRUE(form->isEnabled());
+  }
 }
 
 TEST(LoadGRF, TheLargestFileLoadsEverySprite) {

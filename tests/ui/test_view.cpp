@@ -85,7 +85,7 @@ QImage Source(const Image2& im, const frmMain& form, bool indexLayer) {
 QImage Expected(frmMain& form, const QImage& source, const Image2& im) {
   QImage canvas(form.picSprite->Image().size(), QImage::Format_RGB32);
   PaintPicture(canvas, source, im.x, im.y, Left(form.scrSprite), ScaleHeight(form.picSprite),
-               form.Magnification);
+               Qt::white, form.Magnification);
   return canvas;
 }
 
