@@ -84,9 +84,10 @@ void frmMain::LoadGRFV2(std::vector<uint8_t> bytes, int32_t start) {
   for (int32_t i = 0; i < count; ++i) {
     const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(i)];
     const GrfV2Facts f = SpriteFacts(V2, s, s.Default);
-    lvwSprite->AddItem("k" + std::to_string(i),
-                       {Filled(i + 1, 4), Filled(f.Width, 3), Filled(f.Height, 3),
-                        Filled(f.Size, 5), ByteToBinary(f.Flags, 8)});
+    std::string key(1, 'k');  // not "k" + ..., which GCC 12 warns about in release builds
+    key += std::to_string(i);
+    lvwSprite->AddItem(std::move(key), {Filled(i + 1, 4), Filled(f.Width, 3), Filled(f.Height, 3),
+                                        Filled(f.Size, 5), ByteToBinary(f.Flags, 8)});
   }
   lvwSprite->setVisible(true);
 
