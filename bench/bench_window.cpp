@@ -98,6 +98,18 @@ void OpenFile(benchmark::State& state, const std::string& path) {
   state.counters["sprites"] = w.lvwSprite->ItemCount();
 }
 
+// Steps of the scroll bar through the first `count` sprites of the file.
+void ScrollSteps(benchmark::State& state, const std::string& path, int32_t count) {
+  frmMain& w = Window();
+  w.FileName = path;
+  w.LoadGRF();
+  int32_t v = 0;
+  for (auto _ : state) {
+    v = (v + 1) % count;
+    w.scrSprite->SetValue(v);  // DrawSprite and the labels, through the change event
+  }
+}
+
 }  // namespace
 
 void RegisterWindowCases() {
@@ -109,30 +121,16 @@ void RegisterWindowCases() {
   benchmark::RegisterBenchmark("window/open/32767", [](benchmark::State& s) {
     OpenFile(s, limits);
   })->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("window/scroll-step", [](benchmark::State& state) {
-    frmMain& w = Window();
-    w.FileName = many;
-    w.LoadGRF();
-    int16_t v = 0;
-    for (auto _ : state) {
-      v = static_cast<int16_t>((v + 1) % 4999);
-      w.scrSprite->SetValue(v);  // DrawSprite and the labels, through the change event
-    }
+  benchmark::RegisterBenchmark("window/scroll-step", [](benchmark::State& s) {
+    ScrollSteps(s, many, 4999);
   })->Unit(benchmark::kMicrosecond);
   static const std::string v2many = WriteBenchFile("v2-60000", V2ThreeZoomsFile(60000));
   static const std::string v2tiles = WriteBenchFile("v2-tiles", V2TilesFile(64));
   benchmark::RegisterBenchmark("window/open/v2-60000", [](benchmark::State& s) {
     OpenFile(s, v2many);
   })->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("window/v2-scroll-step/32bpp-in4", [](benchmark::State& state) {
-    frmMain& w = Window();
-    w.FileName = v2tiles;
-    w.LoadGRF();
-    int32_t v = 0;
-    for (auto _ : state) {
-      v = (v + 1) % 64;
-      w.scrSprite->SetValue(v);  // decoding, DrawSprite and the labels
-    }
+  benchmark::RegisterBenchmark("window/v2-scroll-step/32bpp-in4", [](benchmark::State& s) {
+    ScrollSteps(s, v2tiles, 64);  // a version-2 picture is decoded as it is shown
   })->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("window/zoom-in/256x124", [](benchmark::State& state) {
     frmMain& w = Window();
