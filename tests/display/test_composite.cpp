@@ -1,5 +1,5 @@
-// Magnified pictures and 32-bit pixels over the checkerboard, against a whole picture magnified
-// pixel by pixel and Qt's own painting, on random pictures.
+// Pictures magnified and placed, and 32-bit pixels over the checkerboard, against a whole picture
+// magnified pixel by pixel and Qt's own painting, on random pictures.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -42,34 +42,6 @@ QImage Nearest(const QImage& picture, int m) {
 }
 
 }  // namespace
-
-TEST(Magnify, EveryPartMatchesTheWholePictureMagnified) {
-  std::mt19937 rng(15);
-  for (QImage::Format format : {QImage::Format_Indexed8, QImage::Format_ARGB32}) {
-    for (int round = 0; round < 40; ++round) {
-      const int w = 1 + static_cast<int>(rng() % 40), h = 1 + static_cast<int>(rng() % 30);
-      const int m = 1 + static_cast<int>(rng() % 16);
-      const QImage picture = RandomPicture(rng, w, h, format);
-      const QImage whole = Nearest(picture, m);
-      const int left = static_cast<int>(rng() % (w * m)), top = static_cast<int>(rng() % (h * m));
-      const QRect part(left, top, 1 + static_cast<int>(rng() % (w * m - left)),
-                       1 + static_cast<int>(rng() % (h * m - top)));
-      const QImage got = MagnifiedPart(picture, m, part);
-      ASSERT_EQ(got.size(), part.size());
-      ASSERT_EQ(got.format(), format);
-      for (int y = 0; y < part.height(); ++y)
-        for (int x = 0; x < part.width(); ++x)
-          ASSERT_EQ(got.pixel(x, y), whole.pixel(part.left() + x, part.top() + y))
-              << w << "x" << h << " at " << m << "x, pixel " << x << "," << y;
-    }
-  }
-  // Parts outside the magnified picture, and other formats, give nothing.
-  const QImage small = RandomPicture(rng, 4, 3, QImage::Format_Indexed8);
-  for (const QRect& outside : {QRect(-1, 0, 2, 2), QRect(0, 0, 9, 6), QRect(0, 5, 8, 2), QRect()})
-    EXPECT_TRUE(MagnifiedPart(small, 2, outside).isNull());
-  EXPECT_TRUE(MagnifiedPart(small, 0, QRect(0, 0, 1, 1)).isNull());
-  EXPECT_TRUE(MagnifiedPart(QImage(4, 4, QImage::Format_RGB888), 1, QRect(0, 0, 1, 1)).isNull());
-}
 
 TEST(Composite, AlphaBlendsOverCheckersAlignedToTheOrigin) {
   std::mt19937 rng(32);
