@@ -1,5 +1,6 @@
 #include "bench_files.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -108,4 +109,61 @@ std::vector<uint8_t> ChunkyFile(int chunks) {
     }
   }
   return grfw::File({grfw::SpriteRec(0, 1, static_cast<uint16_t>(decoded), 0, 0, stream, decoded)});
+}
+
+std::vector<BenchFile> OpenGfxBenchFiles() {
+  std::vector<BenchFile> files;
+  const std::filesystem::path dir = "/usr/share/games/openttd/baseset/opengfx";
+  if (!std::filesystem::is_directory(dir)) return files;
+  for (const auto& entry : std::filesystem::directory_iterator(dir))
+    if (entry.path().extension() == ".grf")
+      files.push_back({entry.path().stem().string(), ReadFile(entry.path().string())});
+  std::sort(files.begin(), files.end(),
+            [](const BenchFile& a, const BenchFile& b) { return a.Name < b.Name; });
+  return files;
+}
+
+std::vector<uint8_t> V2ManySpritesFile(int count) {
+  // Each alternative's entry is made once and copied with the id of each sprite written in.
+  std::vector<grfw::Bytes> entries;
+  const uint8_t zooms[3] = {0, 2, 1};
+  for (int k = 0; k < 3; ++k) {
+    grfw::Image2 im{0x03,
+                    zooms[k],
+                    static_cast<uint16_t>(8 << k),
+                    static_cast<uint16_t>(8 << k),
+                    static_cast<int16_t>(-4 << k),
+                    static_cast<int16_t>(-4 << k),
+                    {}};
+    for (int y = 0; y < im.height; ++y)
+      im.pixels.insert(im.pixels.end(), size_t{im.width} * 4, static_cast<uint8_t>(y * 9 + 40));
+    entries.push_back(grfw::V2Sprite(1, im));
+  }
+  std::vector<grfw::Bytes> data;
+  grfw::Bytes sprites;
+  for (int id = 1; id <= count; ++id) {
+    data.push_back(grfw::V2Ref(static_cast<uint32_t>(id)));
+    for (const grfw::Bytes& e : entries) {
+      const size_t at = sprites.size();
+      grfw::Append(sprites, e);
+      for (int b = 0; b < 4; ++b)
+        sprites[at + static_cast<size_t>(b)] = static_cast<uint8_t>(id >> (8 * b));
+    }
+  }
+  return grfw::V2File(data, {sprites});
+}
+
+std::vector<uint8_t> V2DecodeFile(int references) {
+  Pixels pixels;
+  grfw::Image2 im{0x0F, 1, 256, 124, -128, -62, {}};
+  const grfw::Bytes colours = pixels.Make(256 * 124);
+  for (size_t i = 0; i < colours.size(); ++i) {
+    const uint8_t v = colours[i];
+    if (v % 3 == 0)
+      im.pixels.insert(im.pixels.end(), 5, uint8_t{0});
+    else
+      im.pixels.insert(im.pixels.end(), {v, uint8_t(v / 2), uint8_t(255 - v), 255, uint8_t(v | 1)});
+  }
+  return grfw::V2File(std::vector<grfw::Bytes>(static_cast<size_t>(references), grfw::V2Ref(1)),
+                      {grfw::V2Sprite(1, im)});
 }

@@ -23,3 +23,14 @@ std::vector<uint8_t> ManySpritesFile(int count);
 
 // A file whose first sprite's stream holds exactly `chunks` chunks, data and offset mixed.
 std::vector<uint8_t> ChunkyFile(int chunks);
+
+// The six OpenGFX files (container version 2) where openttd-opengfx is installed.
+std::vector<BenchFile> OpenGfxBenchFiles();
+
+// A version-2 file of `count` sprites, each a reference to an id with three 32-bit alternatives:
+// normal, in2 and in4 zoom, as a 32-bit set with 4x zoom holds them.
+std::vector<uint8_t> V2ManySpritesFile(int count);
+
+// A version-2 file of one sprite: a 256 x 124 32-bit (RGBA and mask) image in tile form at 4x zoom,
+// about two thirds of it covered; with `references`, as many sprites that refer to it.
+std::vector<uint8_t> V2DecodeFile(int references = 1);

@@ -6,15 +6,12 @@
 
 #include <QApplication>
 
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
 #include "bench_files.h"
 #include "frmMain.h"
-#include "grf_writer.h"
 #include "listview.h"
 #include "scrollbar.h"
 
@@ -38,55 +35,6 @@ frmMain& Window() {
     return w;
   }();
   return *window;
-}
-
-// `count` sprites, each its own id with three 32-bit pictures: normal 8 x 4, in 2x and in 4x, grey
-// runs that compress well, so that the file stays near 25 MB.
-std::vector<uint8_t> V2ThreeZoomsFile(int count) {
-  grfw::Bytes one;
-  for (uint8_t zoom : {0, 2, 1}) {
-    const uint16_t scale = zoom == 0 ? 1 : zoom == 2 ? 2 : 4;
-    grfw::Image2 im{0x03, zoom, uint16_t(8 * scale), uint16_t(4 * scale), 0, 0, {}};
-    for (int i = 0; i < im.width * im.height; ++i)
-      im.pixels.resize(im.pixels.size() + 4, uint8_t(i / 8 * 16));
-    grfw::Append(one, grfw::V2Sprite(1, im));
-  }
-  std::vector<grfw::Bytes> data, sprites;
-  for (int i = 1; i <= count; ++i) {
-    data.push_back(grfw::V2Ref(uint32_t(i)));
-    sprites.push_back(one);
-    // Each of the three entries starts with its id; the entries follow one another.
-    for (size_t at = 0; at < one.size();) {
-      const uint32_t size = one[at + 4] | one[at + 5] << 8 | one[at + 6] << 16 | one[at + 7] << 24;
-      for (int k = 0; k < 4; ++k) sprites.back()[at + k] = uint8_t(uint32_t(i) >> (8 * k));
-      at += 8 + size;
-    }
-  }
-  return grfw::V2File(data, sprites);
-}
-
-// `count` 32-bit sprites at 4x zoom of 256 x 124 in tile form: an opaque diamond of noise with an
-// edge of half-transparent pixels, and nothing outside it, as a zoomed ground tile looks.
-std::vector<uint8_t> V2TilesFile(int count) {
-  uint32_t state = 15;
-  std::vector<grfw::Bytes> data, sprites;
-  for (int i = 1; i <= count; ++i) {
-    grfw::Image2 im{0x0B, 1, 256, 124, -124, -20, {}};
-    for (int y = 0; y < 124; ++y) {
-      for (int x = 0; x < 256; ++x) {
-        // 1 at the centre, 0 on the diamond's edge, below 0 outside it.
-        const double inside = 1.0 - std::abs(x - 127.5) / 128.0 - std::abs(y - 61.5) / 62.0;
-        state = state * 1103515245u + 12345u;
-        const uint8_t v = uint8_t(state >> 16);
-        const uint8_t alpha = inside < 0 ? 0 : inside < 0.03 ? 128 : 255;
-        for (uint8_t b : {uint8_t(alpha ? v | 1 : 0), uint8_t(v / 2), uint8_t(v / 3), alpha})
-          im.pixels.push_back(b);
-      }
-    }
-    data.push_back(grfw::V2Ref(uint32_t(i)));
-    sprites.push_back(grfw::V2Sprite(uint32_t(i), im));
-  }
-  return grfw::V2File(data, sprites);
 }
 
 void OpenFile(benchmark::State& state, const std::string& path) {
@@ -124,8 +72,8 @@ void RegisterWindowCases() {
   benchmark::RegisterBenchmark("window/scroll-step", [](benchmark::State& s) {
     ScrollSteps(s, many, 4999);
   })->Unit(benchmark::kMicrosecond);
-  static const std::string v2many = WriteBenchFile("v2-60000", V2ThreeZoomsFile(60000));
-  static const std::string v2tiles = WriteBenchFile("v2-tiles", V2TilesFile(64));
+  static const std::string v2many = WriteBenchFile("v2-60000", V2ManySpritesFile(60000));
+  static const std::string v2tiles = WriteBenchFile("v2-tiles", V2DecodeFile(64));
   benchmark::RegisterBenchmark("window/open/v2-60000", [](benchmark::State& s) {
     OpenFile(s, v2many);
   })->Unit(benchmark::kMillisecond);

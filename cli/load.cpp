@@ -1,48 +1,74 @@
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 
 #include "commands.h"
 #include "fileio.h"
 #include "text.h"
 
+namespace {
+
+void ToStandardError(const std::string& text) {
+  std::fprintf(stderr, "%s\n", text.c_str());
+}
+
+}  // namespace
+
 int LoadForCli(const std::string& fileName, CliLoad& load) {
   const int32_t start = GetTickCount();
   FileReadResult file = ReadWholeFile(fileName);
   if (!file.Ok) {
-    std::fprintf(stderr, "%s\n",
-                 ReadFailureText(file.ErrorNumber, file.Description, fileName).c_str());
+    ToStandardError(ReadFailureText(file.ErrorNumber, file.Description, fileName));
     return kExitFailure;
   }
   const int32_t readTicks = GetTickCount() - start;
   if (file.Bytes.size() < static_cast<size_t>(kMinFileSize)) {
-    std::fprintf(stderr, "%s\n", kMsgTooSmall);
+    ToStandardError(kMsgTooSmall);
     return kExitFailure;
   }
   load.FileName = fileName;
   load.FileLength = static_cast<int32_t>(file.Bytes.size());
+  if (IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
+    // Indexed now; an alternative is decoded when it is asked for.
+    load.V2 = true;
+    load.Bytes = std::move(file.Bytes);
+    const int32_t indexStart = GetTickCount();
+    IndexGrfV2(load.Bytes.data(), load.Bytes.size(), load.Index, ToStandardError);
+    load.Outcome.DecodeTicks = GetTickCount() - indexStart;
+    load.Outcome.PrepareTicks = readTicks;
+    return kExitOk;
+  }
   // The window shows these as message boxes; here they go to standard error as they come.
-  load.Outcome =
-      LoadSprites(file.Bytes.data(), load.FileLength, load.Store,
-                  [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
+  load.Outcome = LoadSprites(file.Bytes.data(), load.FileLength, load.Store, ToStandardError);
   load.Outcome.PrepareTicks += readTicks;
   return kExitOk;
 }
 
-bool ParseSpriteNumber(const std::string& text, int32_t count, int32_t& index) {
-  errno = 0;
-  char* end = nullptr;
-  const long value = std::strtol(text.c_str(), &end, 10);
-  const bool number = !text.empty() && end != nullptr && *end == '\0' && errno == 0;
-  if (!number || value < 1 || value > count) {
-    if (count < 1)
-      std::fprintf(stderr, "vossel-cli: sprite %s does not exist: the file holds no sprite\n",
-                   text.c_str());
-    else
-      std::fprintf(stderr, "vossel-cli: sprite %s does not exist: give a number from 1 to %d\n",
-                   text.c_str(), static_cast<int>(count));
-    return false;
+int32_t SpriteCount(const CliLoad& load) {
+  if (load.V2) return static_cast<int32_t>(load.Index.Sprites.size());
+  // The sprites decoded, as the window's scroll bar counts them; entries behind are never shown.
+  return load.Outcome.Totals.Count;
+}
+
+bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& wish,
+                     int32_t& alternative) {
+  alternative = -1;
+  std::string present = "8bpp normal";
+  if (load.V2) {
+    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(index)];
+    alternative = s.Default;
+    if (wish.Zoom < 0 && wish.Depth == 0) return true;
+    alternative = ChooseAlternative(load.Index, s, wish.Zoom, wish.Depth);
+    if (alternative >= 0) return true;
+    present = AlternativeNames(load.Index, s);
+  } else if ((wish.Zoom < 0 || wish.Zoom == kZoomNormal) && (wish.Depth == 0 || wish.Depth == 8)) {
+    return true;
   }
-  index = static_cast<int32_t>(value - 1);
-  return true;
+  std::string wanted = wish.Depth != 0 ? std::to_string(wish.Depth) + "bpp" : "";
+  if (wish.Zoom >= 0) {
+    if (!wanted.empty()) wanted += ' ';
+    wanted += ZoomName(static_cast<uint8_t>(wish.Zoom));
+  }
+  std::fprintf(stderr, "vossel-cli: sprite %d has no %s alternative; it has: %s\n",
+               static_cast<int>(index + 1), wanted.c_str(),
+               present.empty() ? "none" : present.c_str());
+  return false;
 }

@@ -19,8 +19,9 @@ inline int32_t SquareOf(int32_t position) {
 
 QImage MagnifiedPart(const QImage& picture, int32_t magnification, const QRect& part) {
   const bool indexed = picture.format() == QImage::Format_Indexed8;
-  const bool wide =
-      picture.format() == QImage::Format_ARGB32 || picture.format() == QImage::Format_RGB32;
+  const QImage::Format format = picture.format();
+  const bool wide = format == QImage::Format_ARGB32 || format == QImage::Format_RGB32 ||
+                    format == QImage::Format_RGBA8888;
   const int64_t m = magnification;
   if ((!indexed && !wide) || m < 1 || part.isEmpty() || part.left() < 0 || part.top() < 0 ||
       part.right() >= picture.width() * m || part.bottom() >= picture.height() * m)

@@ -126,22 +126,20 @@ QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
   return picture;
 }
 
-QImage AlternativePicture(const GrfV2Image& image, const PaletteBuffer& palette, bool maskLayer) {
-  const auto cells = static_cast<size_t>(int64_t{image.Width} * image.Height);
-  if (image.Width <= 0 || image.Height <= 0) return QImage();
-  const bool rgba = image.Rgba.size() == 4 * cells;
-  const bool indices = image.Indices.size() == cells;
-  if (indices && (maskLayer || !rgba))
-    return IndexedPicture(image.Indices.data(), image.Width, image.Height, palette);
-  if (!rgba) return QImage();
-  QImage picture(image.Width, image.Height, QImage::Format_ARGB32);
-  const uint8_t* from = image.Rgba.data();
-  for (int32_t y = 0; y < image.Height; ++y) {
-    auto* to = reinterpret_cast<QRgb*>(picture.scanLine(y));
-    for (int32_t x = 0; x < image.Width; ++x, from += 4)
-      to[x] = qRgba(from[0], from[1], from[2], from[3]);
-  }
-  return picture;
+QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
+  const size_t cells = static_cast<size_t>(std::max(image.Width, 0)) * std::max(image.Height, 0);
+  const bool rgba = !image.Rgba.empty();
+  if (cells == 0 || (rgba ? image.Rgba.size() != 4 * cells : image.Indices.size() != cells))
+    return QImage();
+  QImage bitmap(image.Width, image.Height,
+                rgba ? QImage::Format_RGBA8888 : QImage::Format_Indexed8);
+  if (bitmap.isNull()) return bitmap;
+  const size_t row = rgba ? 4 * static_cast<size_t>(image.Width) : image.Width;
+  const uint8_t* from = rgba ? image.Rgba.data() : image.Indices.data();
+  for (int32_t y = 0; y < image.Height; ++y)
+    std::memcpy(bitmap.scanLine(y), from + row * static_cast<size_t>(y), row);
+  if (!rgba) bitmap.setColorTable(PaletteColours(palette));
+  return bitmap;
 }
 
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,

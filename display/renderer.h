@@ -28,6 +28,11 @@ SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int
 QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
                     const PaletteBuffer& palette);
 
+// A decoded version-2 image as a picture of its own: an image with RGB as RGBA, the mask layer
+// not applied; an 8-bit one as an indexed image with the palette as its colour table. A null
+// image for Width or Height 0.
+QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
+
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
 // canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
 // and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
@@ -39,8 +44,8 @@ bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
 
 // Wipes `canvas` to `background` and paints `picture` at the placement its size and offsets give,
 // magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
-// picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32) is laid over
-// the checkerboard. A null picture leaves the canvas wiped.
+// picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32 or RGBA8888,
+// not premultiplied) is laid over the checkerboard. A null picture leaves the canvas wiped.
 void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
                   double freeWidth, double areaHeight, QColor background, int32_t magnification);
 
@@ -48,11 +53,6 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
 // null image for an empty size or one above 64 MiB.
 QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
                       const PaletteBuffer& palette);
-
-// A decoded version-2 picture as PaintPicture takes it: an 8-bit one as indices through the
-// palette, a 32-bit one as ARGB32 with its alpha; with `maskLayer`, the mask layer of a 32-bit
-// one through the palette instead. A null image when there is nothing of that kind to show.
-QImage AlternativePicture(const GrfV2Image& image, const PaletteBuffer& palette, bool maskLayer);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);

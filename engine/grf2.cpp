@@ -71,6 +71,8 @@ void Stop(Indexer& ix, const GrfV2Problem& p) {
 void IndexDataSection(Indexer& ix, int64_t end) {
   const Reader r{ix.File.Data, end};
   int64_t pos = kGrfV2HeaderSize;
+  // Room for a section of references, 9 bytes each, which most files are.
+  ix.Index.Sprites.reserve(static_cast<size_t>(std::max<int64_t>(end - pos, 0) / 9));
   for (;;) {
     const int32_t number = static_cast<int32_t>(ix.Index.Sprites.size()) + 1;
     uint32_t size = 0;
@@ -104,37 +106,31 @@ void IndexDataSection(Indexer& ix, int64_t end) {
 bool IndexAlternative(Indexer& ix, int64_t pos, uint32_t id, uint32_t size) {
   const Reader& r = ix.File;
   const int64_t body = pos + 8;
-  GrfV2Alternative a;
-  a.Id = id;
-  if (size == 0 || !U8(r, body, a.Info)) {
-    Note(ix, {GrfV2Result::EmptyEntry, pos, 0, id, 0});
+  // Filled in place, and taken back when the entry is left out.
+  GrfV2Alternative& a = ix.Index.Alternatives.emplace_back();
+  const auto leaveOut = [&ix](const GrfV2Problem& p) {
+    ix.Index.Alternatives.pop_back();
+    Note(ix, p);
     return false;
-  }
+  };
+  a.Id = id;
+  if (size == 0 || !U8(r, body, a.Info)) return leaveOut({GrfV2Result::EmptyEntry, pos, 0, id, 0});
   int64_t header = 1;
   if (a.Info != kV2Pseudo) {
     header = (a.Info & kV2Tile) ? 14 : 10;
-    if (size < header) {
-      Note(ix, {GrfV2Result::ImageHeaderCut, pos, 0, id, size});
-      return false;
-    }
+    if (size < header) return leaveOut({GrfV2Result::ImageHeaderCut, pos, 0, id, size});
     U8(r, body + 1, a.Zoom);
     U16(r, body + 2, a.Height);
     U16(r, body + 4, a.Width);
     S16(r, body + 6, a.XOffset);
     S16(r, body + 8, a.YOffset);
     if (a.Info & kV2Tile) U32(r, body + 10, a.TileSize);
-    if (a.Zoom >= kZoomLevels) {
-      Note(ix, {GrfV2Result::UnknownZoom, pos, 0, id, a.Zoom});
-      return false;
-    }
-    if ((a.Info & (kV2Rgb | kV2Palette)) == 0) {
-      Note(ix, {GrfV2Result::NoColour, pos, 0, id, a.Info});
-      return false;
-    }
+    if (a.Zoom >= kZoomLevels) return leaveOut({GrfV2Result::UnknownZoom, pos, 0, id, a.Zoom});
+    if ((a.Info & (kV2Rgb | kV2Palette)) == 0)
+      return leaveOut({GrfV2Result::NoColour, pos, 0, id, a.Info});
   }
   a.StreamOffset = body + header;
   a.StreamSize = size - header;
-  ix.Index.Alternatives.push_back(a);
   return true;
 }
 
@@ -150,6 +146,12 @@ struct IdGroup {
 std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
   const Reader& r = ix.File;
   std::vector<IdGroup> groups;
+  // Each reference has an alternative or more, and an image entry takes 18 bytes at least.
+  size_t references = 0;
+  for (const GrfV2Sprite& s : ix.Index.Sprites) references += s.Info == kV2Reference;
+  const size_t room = static_cast<size_t>((r.End - pos) / 18);
+  ix.Index.Alternatives.reserve(std::min(room, 3 * references));
+  groups.reserve(std::min(room, references));
   while (pos != r.End) {
     uint32_t id = 0, size = 0;
     if (!U32(r, pos, id)) {
@@ -163,8 +165,12 @@ std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
     }
     if (groups.empty() || groups.back().Id != id)
       groups.push_back({id, static_cast<int32_t>(ix.Index.Alternatives.size()), 0});
+    const int64_t next = pos + 8 + static_cast<int64_t>(size);
+    // The walk waits on memory for each entry's head: ask for the next one while this one is
+    // read.
+    if (Fits(next, 8, r.End)) __builtin_prefetch(r.Data + next);
     if (IndexAlternative(ix, pos, id, size)) ++groups.back().Count;
-    pos += 8 + static_cast<int64_t>(size);
+    pos = next;
   }
   return groups;
 }
@@ -172,13 +178,18 @@ std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
 // Points every reference at its id's alternatives. An id that comes back later in the section
 // keeps its first group.
 void ResolveReferences(Indexer& ix, std::vector<IdGroup>& groups) {
-  std::stable_sort(groups.begin(), groups.end(),
-                   [](const IdGroup& a, const IdGroup& b) { return a.Id < b.Id; });
+  const auto byId = [](const IdGroup& a, const IdGroup& b) { return a.Id < b.Id; };
+  if (!std::is_sorted(groups.begin(), groups.end(), byId))
+    std::stable_sort(groups.begin(), groups.end(), byId);
+  auto next = groups.begin();  // references mostly come in the order of their ids
   for (size_t i = 0; i < ix.Index.Sprites.size(); ++i) {
     GrfV2Sprite& s = ix.Index.Sprites[i];
     if (s.Info != kV2Reference || s.Id == 0) continue;
-    const auto g = std::lower_bound(groups.begin(), groups.end(), s.Id,
-                                    [](const IdGroup& a, uint32_t id) { return a.Id < id; });
+    auto g = next;
+    if (g == groups.end() || g->Id != s.Id)
+      g = std::lower_bound(groups.begin(), groups.end(), s.Id,
+                           [](const IdGroup& a, uint32_t id) { return a.Id < id; });
+    if (g != groups.end()) next = g + 1;
     if (g == groups.end() || g->Id != s.Id) {
       Note(ix, {GrfV2Result::MissingId, 0, static_cast<int32_t>(i) + 1, s.Id, 0});
       continue;
@@ -219,6 +230,25 @@ void PutPixels(const uint8_t* from, int64_t n, int64_t cell, GrfV2Image& image) 
   }
 }
 
+// A run's head at `pos`, which moves behind it: the pixel count with the row's last-run bit in
+// its top bit, then the first column; a byte each up to width 256, two bytes each when wider.
+bool RunHead(const Reader& r, int64_t& pos, bool wide, int64_t& length, int64_t& x, bool& last) {
+  uint16_t head = 0, at = 0;
+  uint8_t head8 = 0, at8 = 0;
+  const bool read =
+      wide ? U16(r, pos, head) && U16(r, pos + 2, at) : U8(r, pos, head8) && U8(r, pos + 1, at8);
+  if (!wide) {
+    head = head8;
+    at = at8;
+  }
+  const uint16_t lastBit = wide ? 0x8000 : 0x80;
+  last = head & lastBit;
+  length = head & (lastBit - 1);
+  x = at;
+  pos += wide ? 4 : 2;
+  return read;
+}
+
 // Places the runs of the tile form held in `raw`: one offset per row, then each row's runs.
 GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& a,
                        GrfV2Image& image) {
@@ -239,21 +269,7 @@ GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& 
     }
     for (bool last = false; !last;) {
       int64_t length = 0, x = 0;
-      if (wide) {
-        uint16_t head = 0, at = 0;
-        if (!U16(r, pos, head) || !U16(r, pos + 2, at)) return GrfV2Result::TileOutside;
-        last = head & 0x8000;
-        length = head & 0x7FFF;
-        x = at;
-        pos += 4;
-      } else {
-        uint8_t head = 0, at = 0;
-        if (!U8(r, pos, head) || !U8(r, pos + 1, at)) return GrfV2Result::TileOutside;
-        last = head & 0x80;
-        length = head & 0x7F;
-        x = at;
-        pos += 2;
-      }
+      if (!RunHead(r, pos, wide, length, x, last)) return GrfV2Result::TileOutside;
       if (!Fits(x, length, a.Width) || !Fits(pos, length * pixelSize, r.End))
         return GrfV2Result::TileOutside;
       PutPixels(raw.data() + pos, length, y * a.Width + x, image);

@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -21,8 +22,9 @@ std::string FormatFixed2(double value) {
   return text;
 }
 
-std::string FormatZeroFilled(int32_t value, int digits) {
-  const int64_t wide = value;
+std::string FormatZeroFilled(int64_t value, int digits) {
+  // The magnitude of the lowest value does not fit 64 bits; no count reaches it.
+  const int64_t wide = std::max<int64_t>(value, -INT64_MAX);
   const std::string digitsText = std::to_string(wide < 0 ? -wide : wide);
   std::string text = wide < 0 ? "-" : "";
   if (static_cast<int>(digitsText.size()) < digits)
@@ -34,7 +36,7 @@ std::string SecondsText(int32_t ticks) {
   return FormatFixed2(ticks / 1000.0);
 }
 
-std::string FormatSize(int32_t bytes) {
+std::string FormatSize(int64_t bytes) {
   // Both held in single precision and compared with 0.9 in single precision: that decides the
   // unit at 922 bytes and at 943,719 bytes.
   const float kilobytes = static_cast<float>(bytes / 1024.0);
@@ -55,14 +57,14 @@ std::string ByteToBinary(int32_t value, uint8_t digits) {
   return text;
 }
 
-std::string StatusText(const std::string& fileName, int32_t compressedTotal, int32_t decodedTotal,
-                       int32_t fileLength) {
+std::string StatusText(const std::string& fileName, int64_t compressedTotal, int64_t decodedTotal,
+                       int64_t fileLength) {
   // With nothing decoded there is nothing to compare with: the ratio reads 0.00. The product is
-  // taken in 64 bits so that a file of more than 21 MB of streams cannot overflow it.
+  // taken in floating point, so that no total can overflow it.
   double ratio = 0.0;
   if (decodedTotal != 0)
-    ratio = 100.0 - static_cast<double>(static_cast<int64_t>(compressedTotal) * 100) /
-                        static_cast<double>(decodedTotal);
+    ratio =
+        100.0 - static_cast<double>(compressedTotal) * 100.0 / static_cast<double>(decodedTotal);
   return fileName + "\r\n" + "- Compression ratio: " + FormatFixed2(ratio) + " %\r\n" + "- " +
          FormatSize(compressedTotal) + " compressed of " + FormatSize(decodedTotal) +
          " uncompressed\r\n" + "- Filesize " + FormatSize(fileLength);
@@ -86,26 +88,43 @@ std::string ReadFailureText(int32_t number, const std::string& description,
 }
 
 SpriteRowTexts SpriteRow(int32_t index, const SpriteRecord& r) {
+  return SpriteRow(index, r.Width, r.Height, r.Size, r.Flags);
+}
+
+SpriteRowTexts SpriteRow(int32_t index, int64_t width, int64_t height, int64_t size,
+                         uint8_t flags) {
   SpriteRowTexts row;
   row.Key = 'k';
   row.Key += std::to_string(index);
-  row.Number = FormatZeroFilled(index + 1, 4);
-  row.Width = FormatZeroFilled(r.Width, 3);
-  row.Height = FormatZeroFilled(r.Height, 3);
-  row.Size = FormatZeroFilled(r.Size, 5);
-  row.Flags = ByteToBinary(r.Flags, 8);
+  row.Number = FormatZeroFilled(int64_t{index} + 1, 4);
+  row.Width = FormatZeroFilled(width, 3);
+  row.Height = FormatZeroFilled(height, 3);
+  row.Size = FormatZeroFilled(size, 5);
+  row.Flags = ByteToBinary(flags, 8);
   return row;
 }
 
 std::string ViewingCaption(int32_t index, const SpriteRecord& r) {
-  return "Viewing sprite " + std::to_string(index + 1) + " (" + std::to_string(r.Width) + " x " +
-         std::to_string(r.Height) + ")";
+  return ViewingCaption(index, r.Width, r.Height);
+}
+
+std::string ViewingCaption(int32_t index, int64_t width, int64_t height) {
+  return "Viewing sprite " + std::to_string(int64_t{index} + 1) + " (" + std::to_string(width) +
+         " x " + std::to_string(height) + ")";
 }
 
 std::string FlagsText(const SpriteRecord& r) {
-  return ByteToBinary(r.Flags, 8) + " (" + std::to_string(r.Flags) + ")";
+  return FlagsText(r.Flags);
+}
+
+std::string FlagsText(uint8_t flags) {
+  return ByteToBinary(flags, 8) + " (" + std::to_string(flags) + ")";
 }
 
 std::string OffsetText(const SpriteRecord& r) {
-  return std::to_string(r.XOffset) + " x " + std::to_string(r.YOffset);
+  return OffsetText(r.XOffset, r.YOffset);
+}
+
+std::string OffsetText(int32_t x, int32_t y) {
+  return std::to_string(x) + " x " + std::to_string(y);
 }

@@ -110,6 +110,12 @@ void frmMain::AddMessage(const std::string& text) {
   Li->AddItem(text, 0);
 }
 
+void frmMain::AddSpriteRow(SpriteRowTexts row) {
+  lvwSprite->AddItem(std::move(row.Key),
+                     {std::move(row.Number), std::move(row.Width), std::move(row.Height),
+                      std::move(row.Size), std::move(row.Flags)});
+}
+
 void frmMain::LoadGRF() {
   if (FileName.empty()) return;
   int32_t start = GetTickCount();
@@ -167,12 +173,8 @@ void frmMain::LoadGRF() {
   lvwSprite->Clear();
   lvwSprite->setVisible(false);
   const auto rows = static_cast<int32_t>(Store.SpriteTable.size());
-  for (int32_t i = 1; i <= rows; ++i) {
-    SpriteRowTexts row = SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]);
-    lvwSprite->AddItem(std::move(row.Key),
-                       {std::move(row.Number), std::move(row.Width), std::move(row.Height),
-                        std::move(row.Size), std::move(row.Flags)});
-  }
+  for (int32_t i = 1; i <= rows; ++i)
+    AddSpriteRow(SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]));
   lvwSprite->setVisible(true);
 
   AddMessage(FileLoadedMessage(FileName));

@@ -15,6 +15,7 @@
 #include "grf.h"
 #include "grf2.h"
 #include "palette.h"
+#include "text.h"
 
 class QAction;
 class QCloseEvent;
@@ -176,4 +177,5 @@ class frmMain : public QMainWindow {
   // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
   void PrepareFileDialog();
   void AddMessage(const std::string& text);
+  void AddSpriteRow(SpriteRowTexts row);
 };

@@ -16,29 +16,6 @@
 #include "scrollbar.h"
 #include "text.h"
 
-namespace {
-
-// A number under a mask of zeros; one beyond 32 bits stands as it is, as a mask never cuts.
-std::string Filled(int64_t value, int digits) {
-  if (value < INT32_MIN || value > INT32_MAX) return std::to_string(value);
-  return FormatZeroFilled(static_cast<int32_t>(value), digits);
-}
-
-int32_t Clamped(int64_t value) {
-  return static_cast<int32_t>(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
-}
-
-// The facts as a version-1 record, for the texts whose fields hold them whole: flags and offsets.
-SpriteRecord FlagsAndOffsets(const GrfV2Facts& f) {
-  SpriteRecord r;
-  r.Flags = f.Flags;
-  r.XOffset = f.XOffset;
-  r.YOffset = f.YOffset;
-  return r;
-}
-
-}  // namespace
-
 int32_t frmMain::ShownAlternative(const GrfV2Sprite& s) const {
   if (ChosenZoom >= 0) {
     const int32_t chosen = ChooseAlternative(V2, s, ChosenZoom, ChosenDepth);
@@ -70,8 +47,8 @@ void frmMain::LoadGRFV2(std::vector<uint8_t> bytes, int32_t start) {
   const auto count = static_cast<int32_t>(std::min<size_t>(V2.Sprites.size(), INT32_MAX));
   const GrfV2Totals totals = IndexTotals(V2);
   AddMessage(LoadedMessage(count, GetTickCount() - start));
-  SetCaption(lblStatus, StatusText(FileName, Clamped(totals.Compressed),
-                                   Clamped(totals.Decompressed), Clamped(FileData.size())));
+  SetCaption(lblStatus, StatusText(FileName, totals.Compressed, totals.Decompressed,
+                                   static_cast<int64_t>(FileData.size())));
   ChosenZoom = -1;
   ChosenDepth = 0;
 
@@ -84,10 +61,7 @@ void frmMain::LoadGRFV2(std::vector<uint8_t> bytes, int32_t start) {
   for (int32_t i = 0; i < count; ++i) {
     const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(i)];
     const GrfV2Facts f = SpriteFacts(V2, s, s.Default);
-    std::string key(1, 'k');  // not "k" + ..., which GCC 12 warns about in release builds
-    key += std::to_string(i);
-    lvwSprite->AddItem(std::move(key), {Filled(i + 1, 4), Filled(f.Width, 3), Filled(f.Height, 3),
-                                        Filled(f.Size, 5), ByteToBinary(f.Flags, 8)});
+    AddSpriteRow(SpriteRow(i, f.Width, f.Height, f.Size, f.Flags));
   }
   lvwSprite->setVisible(true);
 
@@ -106,13 +80,16 @@ bool frmMain::DrawV2Sprite(int32_t Index) {
   if (a != nullptr && a->Info != kV2Pseudo) {
     GrfV2Image image;
     const GrfV2Result result = DecodeAlternative(FileData.data(), FileData.size(), *a, image);
-    // A picture that cannot be decoded leaves the area white, and says why once.
+    // A picture that cannot be decoded leaves the area blank, and says why once.
     if (result != GrfV2Result::Ok && !reported_[static_cast<size_t>(shown)]) {
       reported_[static_cast<size_t>(shown)] = true;
       AddMessage("Sprite " + std::to_string(Index + 1) + ": " + DecodeText(result, *a));
       Li->SetListIndex(0);
     }
-    picture = AlternativePicture(image, Palette, mnuMaskLayer->isChecked());
+    const bool mask = mnuMaskLayer->isChecked() && !image.Rgba.empty() &&
+                      image.Indices.size() == size_t(image.Width) * size_t(image.Height);
+    picture = mask ? IndexedPicture(image.Indices.data(), image.Width, image.Height, Palette)
+                   : ImageBitmap(image, Palette);
     x = image.XOffset;
     y = image.YOffset;
   } else if (a != nullptr || s.Info != kV2Reference) {
@@ -133,12 +110,11 @@ void frmMain::ShowV2Sprite(int32_t Index) {
   const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(Index)];
   const int32_t shown = ShownAlternative(s);
   const GrfV2Facts f = SpriteFacts(V2, s, shown);
-  SetCaption(this, "Viewing sprite " + std::to_string(int64_t{Index} + 1) + " (" +
-                       std::to_string(f.Width) + " x " + std::to_string(f.Height) + ")");
-  SetCaption(lblFlags, FlagsText(FlagsAndOffsets(f)));
+  SetCaption(this, ViewingCaption(Index, f.Width, f.Height));
+  SetCaption(lblFlags, FlagsText(f.Flags));
   SetCaption(lblSize, std::to_string(f.Size));
   SetCaption(lblCompressed, std::to_string(f.Compressed));
-  SetCaption(lblOffset, OffsetText(FlagsAndOffsets(f)));
+  SetCaption(lblOffset, OffsetText(f.XOffset, f.YOffset));
 
   for (int32_t i = s.FirstAlternative; i < s.FirstAlternative + s.AlternativeCount; ++i) {
     const GrfV2Alternative& a = V2.Alternatives[static_cast<size_t>(i)];

@@ -47,7 +47,7 @@ TEST(CliChunks, ListsTheChosenSpriteAmongSeveral) {
 
 TEST(CliChunks, NumberOutsideTheSpritesFails) {
   const std::string path = grfw::WriteTemp("cli-chunks-range.grf", grfw::SeventeenByteFile());
-  for (const char* n : {"0", "2", "-1", "x", "", "1x", "99999999999"}) {
+  for (const char* n : {"0", "2", "-1", "99999999999"}) {
     SCOPED_TRACE(n);
     const CliRun run = RunCli({"chunks", path, n});
     EXPECT_EQ(run.Status, 1);
@@ -105,7 +105,9 @@ TEST(CliChunks, WrongNumberOfArgumentsIsUsage) {
   const std::string path = grfw::WriteTemp("cli-chunks-usage.grf", grfw::SeventeenByteFile());
   for (const auto& args :
        {std::vector<std::string>{"chunks"}, std::vector<std::string>{"chunks", path},
-        std::vector<std::string>{"chunks", path, "1", "2"}}) {
+        std::vector<std::string>{"chunks", path, "1", "2"},
+        std::vector<std::string>{"chunks", path, "x"}, std::vector<std::string>{"chunks", path, ""},
+        std::vector<std::string>{"chunks", path, "1x"}}) {
     const CliRun run = RunCli(args);
     EXPECT_EQ(run.Status, 2);
     EXPECT_EQ(run.Out, "");

@@ -56,6 +56,26 @@ std::vector<std::pair<std::string, Bytes>> GrfSeeds() {
   };
 }
 
+// Version-2 files: every image kind, zoom levels, data, references shared and missing, a cut.
+std::vector<std::pair<std::string, Bytes>> Grf2Seeds() {
+  auto image = [](uint8_t info, uint8_t zoom, uint16_t w, uint16_t h) {
+    grfw::Image2 im{info, zoom, w, h, -1, 2, {}};
+    for (size_t i = 0; i < size_t{w} * h * grfw::PixelBytes(info); ++i)
+      im.pixels.push_back(static_cast<uint8_t>((i / grfw::PixelBytes(info)) % 5 ? i * 7 / 3 : 0));
+    return grfw::V2Sprite(zoom + 1u, im);
+  };
+  const std::vector<Bytes> refs = {grfw::V2Ref(1), grfw::V2Data(0xFF, {1, 2, 3}), grfw::V2Ref(2),
+                                   grfw::V2Ref(1), grfw::V2Ref(9)};
+  Bytes cut = grfw::V2File(refs, {image(0x01, 0, 4, 4)});
+  cut.resize(cut.size() - 7);
+  return {{"eight.grf", grfw::V2File(refs, {image(0x04, 0, 6, 5), image(0x0C, 1, 9, 4)})},
+          {"rgba.grf", grfw::V2File(refs, {image(0x03, 1, 5, 5), image(0x07, 1, 10, 10),
+                                           image(0x0D, 0, 4, 3)})},
+          {"wide.grf", grfw::V2File(refs, {image(0x0B, 0, 300, 2), image(0x4C, 1, 257, 3),
+                                           grfw::V2Raw(9, {0xFF, 5, 6})})},
+          {"cut.grf", cut}};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -68,6 +88,8 @@ int main(int argc, char** argv) {
     Put(root / "loader", name, bytes);
     Put(root / "scan", name, bytes);
   }
+
+  for (const auto& [name, bytes] : Grf2Seeds()) Put(root / "grf2", name, bytes);
 
   // Palette files: the good form, short counts, each refusal's shape.
   std::string good = "JASC-PAL\r\n0100\r\n256\r\n";

@@ -195,42 +195,34 @@ inline size_t PixelBytes(uint8_t info) {
 // bytes), then each row's runs of covered pixels. A pixel whose bytes are all 0 is left uncovered;
 // a row with none gets one empty last run. Heads are 2 bytes up to width 256, else 4.
 inline Bytes TileData(const Image2& im) {
-  const size_t ps = PixelBytes(im.info);
-  const bool wide = im.width > 256;
-  const size_t longest = wide ? 0x7FFF : 0x7F;
-  auto covered = [&](size_t cell) {
-    for (size_t k = 0; k < ps; ++k)
-      if (im.pixels[cell * ps + k] != 0) return true;
-    return false;
+  const size_t ps = PixelBytes(im.info), wide = im.width > 256, longest = wide ? 0x7FFF : 0x7F;
+  auto covered = [&](size_t y, size_t x) {
+    const uint8_t* p = im.pixels.data() + (y * im.width + x) * ps;
+    return x < im.width && std::any_of(p, p + ps, [](uint8_t b) { return b != 0; });
+  };
+  auto head = [&](Bytes& to, size_t n, size_t x) {
+    if (wide) {
+      PutWord(to, static_cast<uint16_t>(n));
+      PutWord(to, static_cast<uint16_t>(x));
+    } else {
+      to.insert(to.end(), {static_cast<uint8_t>(n), static_cast<uint8_t>(x)});
+    }
   };
   std::vector<size_t> starts;
   Bytes body;
   for (size_t y = 0; y < im.height; ++y) {
     starts.push_back(body.size());
-    std::vector<std::pair<size_t, size_t>> runs;  // x, length
-    for (size_t x = 0; x < im.width;) {
-      if (!covered(y * im.width + x)) {
-        ++x;
-        continue;
-      }
-      size_t n = 0;
-      while (x + n < im.width && n < longest && covered(y * im.width + x + n)) ++n;
-      runs.push_back({x, n});
-      x += n;
+    size_t lastHead = SIZE_MAX;
+    for (size_t x = 0, n = 0; x < im.width; x += n ? n : 1) {
+      for (n = 0; n < longest && covered(y, x + n);) ++n;
+      if (n == 0) continue;
+      lastHead = body.size();
+      head(body, n, x);
+      body.insert(body.end(), im.pixels.begin() + static_cast<long>((y * im.width + x) * ps),
+                  im.pixels.begin() + static_cast<long>((y * im.width + x + n) * ps));
     }
-    if (runs.empty()) runs.push_back({0, 0});
-    for (size_t k = 0; k < runs.size(); ++k) {
-      const bool last = k + 1 == runs.size();
-      if (wide) {
-        PutWord(body, static_cast<uint16_t>(runs[k].second | (last ? 0x8000 : 0)));
-        PutWord(body, static_cast<uint16_t>(runs[k].first));
-      } else {
-        body.push_back(static_cast<uint8_t>(runs[k].second | (last ? 0x80 : 0)));
-        body.push_back(static_cast<uint8_t>(runs[k].first));
-      }
-      const auto from = im.pixels.begin() + static_cast<long>((y * im.width + runs[k].first) * ps);
-      body.insert(body.end(), from, from + static_cast<long>(runs[k].second * ps));
-    }
+    if (lastHead == SIZE_MAX) head(body, 0, 0);
+    body[lastHead == SIZE_MAX ? body.size() - (wide ? 3 : 2) : lastHead + wide] |= 0x80;
   }
   const size_t entry = im.height * 2 + body.size() >= 65536 ? 4 : 2;
   Bytes out;
@@ -243,6 +235,22 @@ inline Bytes TileData(const Image2& im) {
   }
   Append(out, body);
   return out;
+}
+
+// What a decoder must give for an image, worked out from its pixels alone: RGBA for an image with
+// RGB (alpha 255 without an alpha layer), palette indices with a palette layer; all 0 where tile
+// form covers nothing.
+inline void DecodedLayers(const Image2& im, Bytes& rgba, Bytes& indices) {
+  const size_t ps = PixelBytes(im.info);
+  for (size_t c = 0; c < size_t{im.width} * im.height; ++c) {
+    const uint8_t* p = &im.pixels[c * ps];
+    const bool covered = !(im.info & 8) || std::any_of(p, p + ps, [](uint8_t b) { return b; });
+    const size_t m = ps - 1;  // the mask, where there is one, comes last
+    if (im.info & 1)
+      for (uint8_t b : {p[0], p[1], p[2], uint8_t((im.info & 2) ? p[3] : 255)})
+        rgba.push_back(covered ? b : 0);
+    if (im.info & 4) indices.push_back(covered ? p[m] : 0);
+  }
 }
 
 // A sprite-section entry with any body (its first byte the info byte).

@@ -1,0 +1,53 @@
+// Container version 2: indexing a whole file as it opens, and decoding one alternative.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "bench_files.h"
+#include "grf2.h"
+
+namespace {
+
+void RegisterOpen(const std::string& name, std::vector<uint8_t> bytes) {
+  auto shared = std::make_shared<std::vector<uint8_t>>(std::move(bytes));
+  benchmark::RegisterBenchmark(("v2/open/" + name).c_str(), [shared](benchmark::State& state) {
+    for (auto _ : state) {
+      GrfV2Index index;
+      IndexGrfV2(shared->data(), shared->size(), index, nullptr);
+      benchmark::DoNotOptimize(index.Sprites.data());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(shared->size()));
+  })->Unit(benchmark::kMillisecond);
+}
+
+void BM_V2Decode(benchmark::State& state) {
+  const std::vector<uint8_t> file = V2DecodeFile();
+  GrfV2Index index;
+  IndexGrfV2(file.data(), file.size(), index, nullptr);
+  const GrfV2Alternative& a = index.Alternatives.at(0);
+  for (auto _ : state) {
+    GrfV2Image image;
+    if (DecodeAlternative(file.data(), file.size(), a, image) != GrfV2Result::Ok)
+      state.SkipWithError("the sprite does not decode");
+    benchmark::DoNotOptimize(image.Rgba.data());
+  }
+}
+BENCHMARK(BM_V2Decode)->Name("v2/decode")->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+// The OpenGFX files and a generated file of 60,000 sprites, which VOSSEL_BENCH_WRITE_V2 (a path)
+// also writes out, for measuring a whole program on it.
+void RegisterV2Cases() {
+  for (BenchFile& f : OpenGfxBenchFiles()) RegisterOpen(f.Name, std::move(f.Bytes));
+  std::vector<uint8_t> many = V2ManySpritesFile(60000);
+  if (const char* path = std::getenv("VOSSEL_BENCH_WRITE_V2")) {
+    if (FILE* out = std::fopen(path, "wb")) {
+      std::fwrite(many.data(), 1, many.size(), out);
+      std::fclose(out);
+    }
+  }
+  RegisterOpen("60000", std::move(many));
+}
