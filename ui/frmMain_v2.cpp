@@ -28,17 +28,16 @@ void frmMain::LoadGRFV2(std::vector<uint8_t> bytes, int32_t start) {
   setEnabled(false);
   SetCaption(this, "Getting number of sprites...");
   DoEvents();
-  // Each problem of the file is a line of its own; the rest of the file stays browsable.
-  GrfV2Index index;
-  IndexGrfV2(bytes.data(), bytes.size(), index, [this](const std::string& m) { AddMessage(m); });
-
-  SetCaption(this, "Reserving memory (and unloading previous data if any)...");
-  DoEvents();
+  // The previous file goes first, so that two large files are never held together. Each problem
+  // of the new one is a line of its own; the rest of the file stays browsable.
   EraseStores();
   Version2 = true;
   FileData = std::move(bytes);
-  V2 = std::move(index);
+  IndexGrfV2(FileData.data(), FileData.size(), V2, [this](const std::string& m) { AddMessage(m); });
   reported_.assign(V2.Alternatives.size(), false);
+
+  SetCaption(this, "Reserving memory (and unloading previous data if any)...");
+  DoEvents();
   AddMessage(PreparedMessage(GetTickCount() - start));
 
   start = GetTickCount();
