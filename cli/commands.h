@@ -69,3 +69,8 @@ int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);
 int CmdSprite(const std::vector<std::string>& args);
 int CmdChunks(const std::vector<std::string>& args);
+int CmdExport(const std::vector<std::string>& args);
+
+// The text chunks of an exported PNG that carry the sprite's offsets.
+inline constexpr const char kXOffsetKey[] = "XOffset";
+inline constexpr const char kYOffsetKey[] = "YOffset";

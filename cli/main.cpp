@@ -24,6 +24,8 @@ const char kUsage[] =
     "                                     the facts of sprite N (from 1), and its pixels as PNG\n"
     "  chunks FILE N [--zoom LEVEL] [--depth 8|32]\n"
     "                                     how sprite N (from 1) is stored, chunk by chunk\n"
+    "  export FILE DIR [--palette PAL] [--force]\n"
+    "                                     every sprite as a PNG file (pseudo-sprites as .bin)\n"
     "\n"
     "Options:\n"
     "  --zoom LEVEL and --depth 8|32 choose one of a version-2 sprite's alternatives;\n"
@@ -56,6 +58,7 @@ int main(int argc, char** argv) {
   if (command == "info") return CmdInfo(args);
   if (command == "sprite") return CmdSprite(args);
   if (command == "chunks") return CmdChunks(args);
+  if (command == "export") return CmdExport(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

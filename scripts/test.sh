@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is needed, builds, and runs the whole test suite twice: a plain build, then one
-# with AddressSanitizer and UndefinedBehaviorSanitizer. Then every fuzz target runs for a while
-# (FUZZ_SECONDS, 30 by default) and the formatting is checked.
+# Installs what is needed, builds, and runs the whole test suite twice: a plain build, whose Debian
+# package is then made and listed, and one with AddressSanitizer and UndefinedBehaviorSanitizer.
+# Then every fuzz target runs for a while (FUZZ_SECONDS, 30 by default) and the formatting is
+# checked.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -17,6 +18,19 @@ run_suite() {
 
 echo "== Build and test =="
 run_suite build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+echo "== Debian package from the plain build =="
+rm -f build/vossel_*.deb
+cmake --build build --target package >/dev/null
+deb=$(echo build/vossel_*.deb)
+dpkg-deb --info "$deb"
+contents=$(dpkg-deb --contents "$deb")
+echo "$contents"
+for f in bin/vossel bin/vossel-cli lib/vossel/ttdw-jasc.pal lib/vossel/vossel-demo.grf \
+  share/applications/vossel.desktop share/mime/packages/vossel.xml \
+  share/icons/hicolor/48x48/apps/vossel.png; do
+  grep -q " \./usr/$f\( \|$\)" <<<"$contents" || { echo "The package lacks /usr/$f"; exit 1; }
+done
 
 echo "== Build and test with AddressSanitizer and UndefinedBehaviorSanitizer =="
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1

@@ -19,6 +19,8 @@
 
 class QAction;
 class QCloseEvent;
+class QDragEnterEvent;
+class QDropEvent;
 class QGroupBox;
 class QLabel;
 class QMenu;
@@ -123,6 +125,8 @@ class frmMain : public QMainWindow {
   QAction* mnuMaskLayer;
   QMenu* mnuTools;
   QAction* mnuChunk;
+  QMenu* mnuHelp;
+  QAction* mnuAbout;
 
   // Runs once before the window is first shown. False when the palette was refused: the window
   // has then been unloaded and must not be shown.
@@ -153,9 +157,16 @@ class frmMain : public QMainWindow {
   void mnuLevel_Click(int32_t zoom);
   void mnuDepth_Click(int32_t bits);
   void mnuMaskLayer_Click();
+  void mnuAbout_Click();
+
+  // Loads `path` as Open does once its dialog has given a name: from the command line and from a
+  // file dropped on the window.
+  void OpenFile(const std::string& path);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void BuildControls();

@@ -68,6 +68,8 @@ frmMain::frmMain() {
   connect(mnuSaveAs, &QAction::triggered, this, [this] { mnuSaveAs_Click(); });
   connect(mnuQuit, &QAction::triggered, this, [this] { mnuQuit_Click(); });
   connect(mnuChunk, &QAction::triggered, this, [this] { mnuChunk_Click(); });
+  connect(mnuAbout, &QAction::triggered, this, [this] { mnuAbout_Click(); });
+  setAcceptDrops(true);
 }
 
 frmMain::~frmMain() = default;
@@ -90,6 +92,8 @@ void frmMain::BuildMenus() {
   BuildViewItems();
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
+  mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
+  mnuAbout = NewItem(mnuHelp, "&About Vossel", QKeySequence(), true);
 }
 
 void frmMain::BuildControls() {

@@ -850,7 +850,8 @@ TEST_F(QtFolderTest, ConfigureBrowserPerKind) {
   newStyle.resize(600, 400);
   newStyle.layout()->activate();
   for (QWidget* w : newStyle.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-    if (w != message && w->isVisibleTo(&newStyle)) EXPECT_GE(w->y(), message->geometry().bottom());
+    if (w == message || !w->isVisibleTo(&newStyle)) continue;
+    EXPECT_GE(w->y(), message->geometry().bottom());
   }
 
   bi.ulFlags = 0;

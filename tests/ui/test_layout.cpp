@@ -171,10 +171,11 @@ TEST(Layout, SpriteListHasItsColumns) {
 TEST(Layout, MenusHaveTheirItemsShortcutsAndStates) {
   uitest::StartedForm form;
   const QList<QAction*> bar = form->menuBar()->actions();
-  ASSERT_EQ(bar.size(), 3);
+  ASSERT_EQ(bar.size(), 4);
   EXPECT_EQ(bar[0]->text(), "&File");
   EXPECT_EQ(bar[1]->text(), "&View");
   EXPECT_EQ(bar[2]->text(), "&Tools");
+  EXPECT_EQ(bar[3]->text(), "&Help");
   struct Item {
     QAction* Action;
     const char* Text;
@@ -189,6 +190,7 @@ TEST(Layout, MenusHaveTheirItemsShortcutsAndStates) {
       {form->mnuQuit, "&Quit", QKeySequence(), true},
       {form->mnuViewGrid, "&Grid", QKeySequence("Shift+F1"), true},
       {form->mnuChunk, "&Chunk Viewer", QKeySequence(), true},
+      {form->mnuAbout, "&About Vossel", QKeySequence(), true},
   };
   for (const Item& i : items) {
     SCOPED_TRACE(i.Text);
@@ -205,6 +207,7 @@ TEST(Layout, MenusHaveTheirItemsShortcutsAndStates) {
   EXPECT_EQ(file[5], form->mnuQuit);
   EXPECT_EQ(form->mnuView->actions().front(), form->mnuViewGrid);
   EXPECT_EQ(form->mnuTools->actions(), QList<QAction*>{form->mnuChunk});
+  EXPECT_EQ(form->mnuHelp->actions(), QList<QAction*>{form->mnuAbout});
 }
 
 TEST(Layout, ResizesFollowTheWindowAndSkipMovesThatWouldTurnNegative) {

@@ -1,0 +1,3 @@
+# export command tests: what it writes is read back with QImage, against the engine's own store.
+vossel_cli_test(test_cli_export test_cli_export.cpp)
+target_link_libraries(test_cli_export PRIVATE vossel_engine vossel_display Qt6::Gui)
