@@ -185,7 +185,7 @@ class frmMain : public QMainWindow {
   // Alternatives whose failure to decode has been reported, so that browsing says it once.
   std::vector<bool> reported_;
   void EraseStores();
-  // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
+  // What Open and Save As do first: the dialog object, its folder and its owner.
   void PrepareFileDialog();
   void AddMessage(const std::string& text);
   void AddSpriteRow(SpriteRowTexts row);
