@@ -153,7 +153,7 @@ std::vector<uint8_t> V2ManySpritesFile(int count) {
   return grfw::V2File(data, {sprites});
 }
 
-std::vector<uint8_t> V2DecodeFile() {
+std::vector<uint8_t> V2DecodeFile(int references) {
   Pixels pixels;
   grfw::Image2 im{0x0F, 1, 256, 124, -128, -62, {}};
   const grfw::Bytes colours = pixels.Make(256 * 124);
@@ -164,5 +164,6 @@ std::vector<uint8_t> V2DecodeFile() {
     else
       im.pixels.insert(im.pixels.end(), {v, uint8_t(v / 2), uint8_t(255 - v), 255, uint8_t(v | 1)});
   }
-  return grfw::V2File({grfw::V2Ref(1)}, {grfw::V2Sprite(1, im)});
+  return grfw::V2File(std::vector<grfw::Bytes>(static_cast<size_t>(references), grfw::V2Ref(1)),
+                      {grfw::V2Sprite(1, im)});
 }

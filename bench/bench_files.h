@@ -32,5 +32,5 @@ std::vector<BenchFile> OpenGfxBenchFiles();
 std::vector<uint8_t> V2ManySpritesFile(int count);
 
 // A version-2 file of one sprite: a 256 x 124 32-bit (RGBA and mask) image in tile form at 4x zoom,
-// about two thirds of it covered.
-std::vector<uint8_t> V2DecodeFile();
+// about two thirds of it covered; with `references`, as many sprites that refer to it.
+std::vector<uint8_t> V2DecodeFile(int references = 1);

@@ -1,5 +1,5 @@
 // The main window as the user meets it: a whole Open of a file with the list filled, a step of the
-// scroll bar, and a column sort, on the real frmMain offscreen.
+// scroll bar, a column sort and Zoom In, on the real frmMain offscreen, for version 1 and 2.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -46,6 +46,18 @@ void OpenFile(benchmark::State& state, const std::string& path) {
   state.counters["sprites"] = w.lvwSprite->ItemCount();
 }
 
+// Steps of the scroll bar through the first `count` sprites of the file.
+void ScrollSteps(benchmark::State& state, const std::string& path, int32_t count) {
+  frmMain& w = Window();
+  w.FileName = path;
+  w.LoadGRF();
+  int32_t v = 0;
+  for (auto _ : state) {
+    v = (v + 1) % count;
+    w.scrSprite->SetValue(v);  // DrawSprite and the labels, through the change event
+  }
+}
+
 }  // namespace
 
 void RegisterWindowCases() {
@@ -57,15 +69,28 @@ void RegisterWindowCases() {
   benchmark::RegisterBenchmark("window/open/32767", [](benchmark::State& s) {
     OpenFile(s, limits);
   })->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("window/scroll-step", [](benchmark::State& state) {
+  benchmark::RegisterBenchmark("window/scroll-step", [](benchmark::State& s) {
+    ScrollSteps(s, many, 4999);
+  })->Unit(benchmark::kMicrosecond);
+  static const std::string v2many = WriteBenchFile("v2-60000", V2ManySpritesFile(60000));
+  static const std::string v2tiles = WriteBenchFile("v2-tiles", V2DecodeFile(64));
+  benchmark::RegisterBenchmark("window/open/v2-60000", [](benchmark::State& s) {
+    OpenFile(s, v2many);
+  })->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("window/v2-scroll-step/32bpp-in4", [](benchmark::State& s) {
+    ScrollSteps(s, v2tiles, 64);  // a version-2 picture is decoded as it is shown
+  })->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark("window/zoom-in/256x124", [](benchmark::State& state) {
     frmMain& w = Window();
-    w.FileName = many;
+    w.FileName = v2tiles;
     w.LoadGRF();
-    int16_t v = 0;
     for (auto _ : state) {
-      v = static_cast<int16_t>((v + 1) % 4999);
-      w.scrSprite->SetValue(v);  // DrawSprite and the labels, through the change event
+      state.PauseTiming();
+      w.mnuActualSize_Click();
+      state.ResumeTiming();
+      w.mnuZoomIn_Click();  // 1x to 2x: the sprite decoded and drawn magnified
     }
+    w.mnuActualSize_Click();
   })->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("window/sort/32767", [](benchmark::State& state) {
     frmMain& w = Window();
@@ -77,6 +102,6 @@ void RegisterWindowCases() {
 }
 
 void CloseWindowCases() {
-  std::remove(("/tmp/vossel-bench-" + std::to_string(getpid()) + "-5000.grf").c_str());
-  std::remove(("/tmp/vossel-bench-" + std::to_string(getpid()) + "-limits.grf").c_str());
+  for (const char* name : {"5000", "limits", "v2-60000", "v2-tiles"})
+    std::remove(("/tmp/vossel-bench-" + std::to_string(getpid()) + "-" + name + ".grf").c_str());
 }

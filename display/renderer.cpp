@@ -7,6 +7,8 @@
 #include <QColor>
 #include <QPainter>
 
+#include "composite.h"
+
 namespace {
 
 // Rounds the bracket half to even, then halves it truncating toward zero.
@@ -30,11 +32,19 @@ void CopyInside(uint8_t* dst, int64_t to, const uint8_t* src, int32_t srcSize, i
 
 }  // namespace
 
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight) {
+SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
+                             double freeWidth, double areaHeight, int32_t magnification) {
+  const double m = magnification;
   SpritePlacement p;
-  p.X = HalfOfRounded(freeWidth - r.Width + r.XOffset);
-  p.Y = HalfOfRounded(areaHeight - r.Height + r.YOffset);
+  p.X = HalfOfRounded(freeWidth - m * width + m * xOffset);
+  p.Y = HalfOfRounded(areaHeight - m * height + m * yOffset);
   return p;
+}
+
+SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
+                            int32_t magnification) {
+  return PlacePicture(r.Width, r.Height, r.XOffset, r.YOffset, freeWidth, areaHeight,
+                      magnification);
 }
 
 QList<QRgb> PaletteColours(const PaletteBuffer& palette) {
@@ -78,6 +88,44 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
   return view.copy();
 }
 
+void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification) {
+  canvas.fill(background);
+  if (picture.isNull() || canvas.isNull()) return;
+  const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+
+  // Only the part that falls on the canvas is magnified and copied.
+  const SpritePlacement at =
+      PlacePicture(picture.width(), picture.height(), xOffset, yOffset, freeWidth, areaHeight, m);
+  const int64_t left = std::max<int64_t>(at.X, 0);
+  const int64_t top = std::max<int64_t>(at.Y, 0);
+  const int64_t right =
+      std::min<int64_t>(int64_t{at.X} + int64_t{picture.width()} * m, canvas.width());
+  const int64_t bottom =
+      std::min<int64_t>(int64_t{at.Y} + int64_t{picture.height()} * m, canvas.height());
+  if (left >= right || top >= bottom) return;
+
+  const QRect part(static_cast<int>(left - at.X), static_cast<int>(top - at.Y),
+                   static_cast<int>(right - left), static_cast<int>(bottom - top));
+  QImage shown = MagnifiedPart(picture, m, part);
+  // The checkerboard's squares start at the picture's top left corner.
+  if (picture.hasAlphaChannel()) shown = CompositeOverChecker(shown, part.topLeft());
+  QPainter painter(&canvas);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), shown);
+}
+
+QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
+                      const PaletteBuffer& palette) {
+  if (width <= 0 || height <= 0 || width * height > kV2MaxImageBytes) return QImage();
+  QImage picture(static_cast<int>(width), static_cast<int>(height), QImage::Format_Indexed8);
+  picture.setColorTable(PaletteColours(palette));
+  for (int64_t y = 0; y < height; ++y)
+    std::memcpy(picture.scanLine(static_cast<int>(y)), indices + y * width,
+                static_cast<size_t>(width));
+  return picture;
+}
+
 QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
   const size_t cells = static_cast<size_t>(std::max(image.Width, 0)) * std::max(image.Height, 0);
   const bool rgba = !image.Rgba.empty();
@@ -96,28 +144,13 @@ QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
 
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background) {
+                QColor background, int32_t magnification) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
-
-  canvas.fill(background);
-  if (bitmap.isNull() || canvas.isNull()) return true;
-
-  // Only the part that falls on the canvas is copied.
-  const SpritePlacement at = PlaceSprite(r, freeWidth, areaHeight);
-  const int64_t left = std::max<int64_t>(at.X, 0);
-  const int64_t top = std::max<int64_t>(at.Y, 0);
-  const int64_t right = std::min<int64_t>(int64_t{at.X} + bitmap.width(), canvas.width());
-  const int64_t bottom = std::min<int64_t>(int64_t{at.Y} + bitmap.height(), canvas.height());
-  if (left >= right || top >= bottom) return true;
-
-  QPainter painter(&canvas);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), bitmap,
-                    QRect(static_cast<int>(left - at.X), static_cast<int>(top - at.Y),
-                          static_cast<int>(right - left), static_cast<int>(bottom - top)));
+  PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, background,
+               magnification);
   return true;
 }

@@ -12,12 +12,16 @@
 #include "palette.h"
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
-// (areaHeight - Height + YOffset) / 2, truncated toward zero.
+// (areaHeight - Height + YOffset) / 2, truncated toward zero. Magnified m times, the sizes and the
+// offsets count m times: (freeWidth - m x Width + m x XOffset) / 2.
 struct SpritePlacement {
   int32_t X = 0;
   int32_t Y = 0;
 };
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight);
+SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
+                            int32_t magnification = 1);
+SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
+                             double freeWidth, double areaHeight, int32_t magnification);
 
 // The sprite's Width x Height pixels as an 8-bit indexed image with the palette as its colour
 // table, first stored row on top. A null image for Width or Height 0 (or below).
@@ -36,7 +40,19 @@ QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
 // at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background = Qt::white);
+                QColor background = Qt::white, int32_t magnification = 1);
+
+// Wipes `canvas` to `background` and paints `picture` at the placement its size and offsets give,
+// magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
+// picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32 or RGBA8888,
+// not premultiplied) is laid over the checkerboard. A null picture leaves the canvas wiped.
+void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification);
+
+// width x height palette indices, row by row, as an 8-bit indexed image through the palette. A
+// null image for an empty size or one above 64 MiB.
+QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
+                      const PaletteBuffer& palette);
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);

@@ -19,7 +19,7 @@ int32_t ChunkStep(uint8_t c) {
   return (c & 0x80) ? 2 : ChunkLength(c) + 1;
 }
 
-// The tables take exactly i + 1 entries, and entry i is the new record's.
+// A new record: the tables take exactly i + 1 entries, and entry i is the new record's.
 void EnterRecord(ChunkScan& scan, int32_t i, uint8_t flags, int32_t offset) {
   const size_t n = static_cast<size_t>(i) + 1;
   scan.SpriteOffset.resize(n);

@@ -15,17 +15,17 @@ ScrollBar::ScrollBar(Qt::Orientation orientation, QWidget* parent)
   connect(this, &QAbstractSlider::sliderReleased, this, [this] { DragEnded(); });
 }
 
-void ScrollBar::SetValue(int16_t value) {
+void ScrollBar::SetValue(int32_t value) {
   setValue(std::clamp<int>(value, minimum(), maximum()));
 }
 
-void ScrollBar::SetMin(int16_t min) {
+void ScrollBar::SetMin(int32_t min) {
   quiet_ = true;
   setRange(min, std::max<int>(min, maximum()));
   quiet_ = false;
 }
 
-void ScrollBar::SetMax(int16_t max) {
+void ScrollBar::SetMax(int32_t max) {
   quiet_ = true;
   setRange(minimum(), std::max<int>(minimum(), max));
   quiet_ = false;

@@ -1,5 +1,6 @@
-// A scroll bar, vertical or horizontal, whose Value is a signed 16-bit number kept within its
-// minimum and maximum. Both step sizes are 1.
+// A scroll bar, vertical or horizontal, whose Value is kept within its minimum and maximum. Both
+// step sizes are 1. Its range is 32 bits wide: a version-1 file never takes it past 32,766, a
+// version-2 file has as many sprites as it holds.
 #pragma once
 
 #include <cstdint>
@@ -13,15 +14,15 @@ class ScrollBar : public QScrollBar {
  public:
   ScrollBar(Qt::Orientation orientation, QWidget* parent);
 
-  int16_t Value() const { return static_cast<int16_t>(value()); }
+  int32_t Value() const { return value(); }
   // A value outside the range is taken as the nearest end of it.
-  void SetValue(int16_t value);
-  int16_t Min() const { return static_cast<int16_t>(minimum()); }
-  int16_t Max() const { return static_cast<int16_t>(maximum()); }
+  void SetValue(int32_t value);
+  int32_t Min() const { return minimum(); }
+  int32_t Max() const { return maximum(); }
   // A new range pulls the value inside it without a change event: whoever sets the range shows
   // what it needs itself. A maximum below the minimum is taken as the minimum.
-  void SetMin(int16_t min);
-  void SetMax(int16_t max);
+  void SetMin(int32_t min);
+  void SetMax(int32_t max);
 
   // Runs when the value really changes: by a program, a click or a key, and when a thumb drag
   // ends on another value than it started from.

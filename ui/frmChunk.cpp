@@ -2,6 +2,8 @@
 // the scroll bar stands on.
 #include "frmChunk.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -121,6 +123,8 @@ void frmChunk::closeEvent(QCloseEvent* event) {
 void frmChunk::Form_Unload() {
   ++fillNumber_;
   EraseChunkScan(Scan);
+  Version2 = false;
+  V2 = GrfV2Index{};
   SpriteMax = -1;
 }
 
@@ -137,6 +141,21 @@ void frmChunk::mnuClose_Click() {
 
 void frmChunk::ScanGRF() {
   const ScanOutcome outcome = ::ScanGRF(FileName, Scan);
+  int32_t count = outcome.Count;
+  // The walk of version 1 finds no record in a version-2 file: its first word is 0.
+  Version2 =
+      outcome.End == ScanEnd::Complete && IsGrfV2(Scan.FileData.data(), Scan.FileData.size());
+  V2 = GrfV2Index{};
+  if (Version2) {
+    IndexGrfV2(Scan.FileData.data(), Scan.FileData.size(), V2, nullptr);
+    count = static_cast<int32_t>(std::min<size_t>(V2.Sprites.size(), INT32_MAX));
+    // A section cut short is told as an overrun is; the sprites before it stay.
+    for (const GrfV2Problem& p : V2.Problems) {
+      if (p.Kind != V2.End) continue;
+      MsgBox(GrfV2Text(p));
+      break;
+    }
+  }
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
       // Nothing else in the viewer sets the title, so it stays until the window closes.
@@ -151,7 +170,7 @@ void frmChunk::ScanGRF() {
     case ScanEnd::Complete:
       break;
   }
-  SpriteMax = static_cast<int16_t>(outcome.Count - 1);
+  SpriteMax = count - 1;
   scrSprite->SetMax(SpriteMax);
   // The list lets events run; a Close or a new showing then may have replaced the label.
   const QPointer<QLabel> label = lblFilename;
@@ -160,12 +179,12 @@ void frmChunk::ScanGRF() {
 }
 
 void frmChunk::scrSprite_Change() {
-  const int16_t v = scrSprite->Value();
+  const int32_t v = scrSprite->Value();
   SetCaption(lblSprite, std::to_string(v + 1));
   const uint32_t fill = ++fillNumber_;
   Li->Clear();
   Li->setVisible(false);
-  ChunkCursor cursor = StartChunkList(Scan, v <= SpriteMax ? v : -1);
+  ChunkCursor cursor = StartList(v <= SpriteMax ? v : -1);
   ChunkLine line;
   while (!cursor.Done) {
     if (!cursor.Action) {
@@ -173,7 +192,7 @@ void frmChunk::scrSprite_Change() {
       // A newer position, a scan or a close has taken the list over: this fill adds nothing more.
       if (fill != fillNumber_) return;
     }
-    if (!NextChunkLine(Scan, cursor, line)) break;
+    if (!NextLine(cursor, line)) break;
     Li->AddItem(line.Text);
     Li->SetItemData(Li->NewIndex(), line.ItemData);
   }
@@ -182,4 +201,16 @@ void frmChunk::scrSprite_Change() {
 
 void frmChunk::scrSprite_Scroll() {
   scrSprite_Change();
+}
+
+ChunkCursor frmChunk::StartList(int32_t v) const {
+  if (!Version2) return StartChunkList(Scan, v);
+  if (v < 0 || static_cast<size_t>(v) >= V2.Sprites.size()) return ChunkCursor{};
+  const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
+  return StartV2ChunkList(V2, s, s.Default);
+}
+
+bool frmChunk::NextLine(ChunkCursor& cursor, ChunkLine& line) const {
+  if (!Version2) return NextChunkLine(Scan, cursor, line);
+  return NextChunkLineIn(Scan.FileData.data(), Scan.FileData.size(), cursor, line);
 }

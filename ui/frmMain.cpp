@@ -79,6 +79,9 @@ void frmMain::Form_Unload() {
 void frmMain::EraseStores() {
   Store.SpriteData.clear();
   Store.SpriteTable = {};
+  Version2 = false;
+  FileData = {};
+  V2 = GrfV2Index{};
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -91,9 +94,13 @@ void frmMain::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-bool frmMain::DrawSprite(int16_t Index) {
-  if (!::DrawSprite(picSprite->Image(), Store, Index, Palette, Left(scrSprite),
-                    ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor())))
+bool frmMain::DrawSprite(int32_t Index) {
+  if (Version2) return DrawV2Sprite(Index);
+  // A version-1 table never holds more than 32,767 records.
+  if (Index < 0 || Index > INT16_MAX) return false;
+  if (!::DrawSprite(picSprite->Image(), Store, static_cast<int16_t>(Index), Palette,
+                    Left(scrSprite), ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()),
+                    Magnification))
     return false;
   picSprite->Refresh();
   return true;
@@ -101,6 +108,12 @@ bool frmMain::DrawSprite(int16_t Index) {
 
 void frmMain::AddMessage(const std::string& text) {
   Li->AddItem(text, 0);
+}
+
+void frmMain::AddSpriteRow(SpriteRowTexts row) {
+  lvwSprite->AddItem(std::move(row.Key),
+                     {std::move(row.Number), std::move(row.Width), std::move(row.Height),
+                      std::move(row.Size), std::move(row.Flags)});
 }
 
 void frmMain::LoadGRF() {
@@ -119,7 +132,15 @@ void frmMain::LoadGRF() {
     MsgBox(kMsgTooSmall, "Error", MsgBoxIcon::Exclamation);
     return;
   }
+  if (IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
+    LoadGRFV2(std::move(file.Bytes), start);
+    return;
+  }
   setEnabled(false);
+  // A version-1 file replaces the version-2 file that was open, if any.
+  Version2 = false;
+  FileData = {};
+  V2 = GrfV2Index{};
 
   SetCaption(this, "Getting number of sprites...");
   DoEvents();
@@ -139,8 +160,10 @@ void frmMain::LoadGRF() {
   AddMessage(LoadedMessage(totals.Count, GetTickCount() - start));
 
   SetCaption(lblStatus, StatusText(FileName, totals.CompressedTotal, totals.DecodedTotal, length));
+  ChosenZoom = -1;
+  ChosenDepth = 0;
 
-  scrSprite->SetMax(static_cast<int16_t>(totals.Count - 1));
+  scrSprite->SetMax(totals.Count - 1);
   scrSprite_Change();
   DoEvents();
 
@@ -150,12 +173,8 @@ void frmMain::LoadGRF() {
   lvwSprite->Clear();
   lvwSprite->setVisible(false);
   const auto rows = static_cast<int32_t>(Store.SpriteTable.size());
-  for (int32_t i = 1; i <= rows; ++i) {
-    SpriteRowTexts row = SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]);
-    lvwSprite->AddItem(std::move(row.Key),
-                       {std::move(row.Number), std::move(row.Width), std::move(row.Height),
-                        std::move(row.Size), std::move(row.Flags)});
-  }
+  for (int32_t i = 1; i <= rows; ++i)
+    AddSpriteRow(SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]));
   lvwSprite->setVisible(true);
 
   AddMessage(FileLoadedMessage(FileName));
@@ -166,17 +185,33 @@ void frmMain::LoadGRF() {
 void frmMain::SaveGRF() {}
 
 void frmMain::scrSprite_Change() {
-  const int16_t Value = scrSprite->Value();
-  if (Value < 0 || static_cast<size_t>(Value) >= Store.SpriteTable.size()) {
+  const int32_t Value = scrSprite->Value();
+  Offer = PictureOffer{};
+  const size_t count = Version2 ? V2.Sprites.size() : Store.SpriteTable.size();
+  if (Value < 0 || static_cast<size_t>(Value) >= count) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.
     picSprite->SetBackColor(picSprite->BackColor());
     picSprite->Refresh();
     SetCaption(this, kFormCaption);
     for (QLabel* label : {lblFlags, lblSize, lblCompressed, lblOffset}) SetCaption(label, "-");
+    UpdateViewItems();
+    return;
+  }
+  if (Version2) {
+    ShowV2Sprite(Value);
+    UpdateViewItems();
     return;
   }
   DrawSprite(Value);
   const SpriteRecord& r = Store.SpriteTable[static_cast<size_t>(Value)];
+  // A version-1 sprite has one picture: normal zoom, 8 bits a pixel.
+  if (r.Flags != kActionFlags) {
+    Offer.Zooms[kZoomNormal] = true;
+    Offer.Depth8 = true;
+    Offer.Zoom = kZoomNormal;
+    Offer.Depth = 8;
+  }
+  UpdateViewItems();
   SetCaption(this, ViewingCaption(Value, r));
   SetCaption(lblFlags, FlagsText(r));
   SetCaption(lblSize, std::to_string(r.Size));
@@ -194,8 +229,8 @@ void frmMain::lvwSprite_ItemClick(const ListItem& Item) {
   const char* first = Item.Key.data() + std::min<size_t>(1, Item.Key.size());
   const char* last = Item.Key.data() + Item.Key.size();
   const auto [end, error] = std::from_chars(first, last, index);
-  if (error != std::errc() || end != last || index < 0 || index > INT16_MAX) return;
-  scrSprite->SetValue(static_cast<int16_t>(index));
+  if (error != std::errc() || end != last || index < 0) return;
+  scrSprite->SetValue(index);
 }
 
 void frmMain::lvwSprite_ColumnClick(const ColumnHeader& ColumnHeader) {
@@ -217,6 +252,8 @@ void frmMain::mnuNew_Click() {
   // here and nothing runs on the stores once they are erased below.
   scrSprite->SetMax(0);
   for (QLabel* label : {lblFlags, lblOffset, lblSize, lblCompressed}) SetCaption(label, "-");
+  Offer = PictureOffer{};
+  UpdateViewItems();
   SetCaption(lblStatus, "No file loaded");
   EraseStores();
   lvwSprite->Clear();

@@ -2,16 +2,20 @@
 // sprite list on the left, the picture area with its scroll bar on the right.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QMainWindow>
 
 #include "filedialog.h"
 #include "frmChunk.h"
 #include "grf.h"
+#include "grf2.h"
 #include "palette.h"
+#include "text.h"
 
 class QAction;
 class QCloseEvent;
@@ -28,6 +32,17 @@ class ScrollBar;
 struct ColumnHeader;
 struct ListItem;
 
+// What the sprite on view offers the View menu: the zoom levels and colour depths of its
+// pictures, and those of the picture shown (Zoom -1 when none is).
+struct PictureOffer {
+  std::array<bool, kZoomLevels> Zooms{};
+  bool Depth8 = false;
+  bool Depth32 = false;
+  int32_t Zoom = -1;
+  int32_t Depth = 0;
+  bool Mask = false;
+};
+
 // The caption of the window until a sprite is shown.
 inline constexpr const char kFormCaption[] = "Vossel (GRF loader engine)";
 
@@ -42,7 +57,12 @@ class frmMain : public QMainWindow {
   int hWnd();
 
   // The sprite store, the palette and the file of the window.
-  SpriteStore Store;  // SpriteTable and SpriteData
+  SpriteStore Store;  // SpriteTable and SpriteData of a version-1 file
+  // A version-2 file is indexed when it opens and stays in memory: its pictures are decoded as
+  // they are shown.
+  bool Version2 = false;
+  std::vector<uint8_t> FileData;
+  GrfV2Index V2;
   PaletteBuffer Palette{};
   std::string PaletteFile;
   std::string FileName;
@@ -52,6 +72,14 @@ class frmMain : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The chunk viewer, made by its first showing and kept until the program ends.
   std::unique_ptr<frmChunk> ChunkViewer;
+  // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across sprites,
+  // loads and New.
+  int32_t Magnification = 1;
+  // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing; a
+  // sprite without that picture shows its default one. A load starts from the defaults again.
+  int32_t ChosenZoom = -1;
+  int32_t ChosenDepth = 0;
+  PictureOffer Offer;
 
   // Controls, by their names.
   PictureBox* Client;  // the window's client area: background colour and banner
@@ -83,6 +111,18 @@ class frmMain : public QMainWindow {
   QAction* mnuQuit;
   QMenu* mnuView;
   QAction* mnuViewGrid;
+  // The magnifier, and the choice of a sprite's alternative.
+  QAction* mnuLine2;
+  QAction* mnuZoomIn;
+  QAction* mnuZoomOut;
+  QAction* mnuActualSize;
+  QAction* mnuLine3;
+  QMenu* mnuZoomLevel;
+  std::array<QAction*, kZoomLevels> mnuLevel;  // by the zoom byte: normal, in 4x, in 2x, out ...
+  QMenu* mnuColourDepth;
+  QAction* mnuDepth8;
+  QAction* mnuDepth32;
+  QAction* mnuMaskLayer;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -97,7 +137,7 @@ class frmMain : public QMainWindow {
   void picSprite_Resize();
 
   // False, with the picture as it was, when SpriteTable holds no record at Index.
-  bool DrawSprite(int16_t Index);
+  bool DrawSprite(int32_t Index);
   void LoadGRF();
   void SaveGRF();
 
@@ -111,6 +151,12 @@ class frmMain : public QMainWindow {
   void mnuSaveAs_Click();
   void mnuQuit_Click();
   void mnuChunk_Click();
+  void mnuZoomIn_Click();
+  void mnuZoomOut_Click();
+  void mnuActualSize_Click();
+  void mnuLevel_Click(int32_t zoom);
+  void mnuDepth_Click(int32_t bits);
+  void mnuMaskLayer_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
@@ -125,8 +171,22 @@ class frmMain : public QMainWindow {
  private:
   void BuildControls();
   void BuildMenus();
+  // The View menu's items behind Grid, with their handlers.
+  void BuildViewItems();
+  // The enabled and checked states of the View items for the sprite on view.
+  void UpdateViewItems();
+  void SetMagnification(int32_t magnification);
+  // The version-2 side of LoadGRF, DrawSprite and scrSprite_Change.
+  void LoadGRFV2(std::vector<uint8_t> bytes, int32_t start);
+  bool DrawV2Sprite(int32_t Index);
+  void ShowV2Sprite(int32_t Index);
+  // The alternative of sprite s to show: the chosen one where s has it, else its default.
+  int32_t ShownAlternative(const GrfV2Sprite& s) const;
+  // Alternatives whose failure to decode has been reported, so that browsing says it once.
+  std::vector<bool> reported_;
   void EraseStores();
-  // Steps 1 to 3 of Open and Save As: the dialog object, its folder and its owner.
+  // What Open and Save As do first: the dialog object, its folder and its owner.
   void PrepareFileDialog();
   void AddMessage(const std::string& text);
+  void AddSpriteRow(SpriteRowTexts row);
 };

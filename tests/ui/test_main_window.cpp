@@ -21,20 +21,10 @@
 #include "ui_support.h"
 
 using grfw::Bytes;
+using uitest::FiveSprites;
 using uitest::Shown;
 
 namespace {
-
-// 0: plain 2 x 2 at -2, 1; 1: an action sprite of 10 bytes; 2: plain 3 x 1, stored size;
-// 3: plain 1 x 1, flags 0x10; 4: run form 64 x 31 at -31, 0.
-Bytes FiveSprites() {
-  std::vector<std::vector<grfw::Run>> rows(31);
-  for (size_t r = 0; r < rows.size(); ++r)
-    rows[r] = {{static_cast<uint8_t>(r), Bytes(8, static_cast<uint8_t>(0x20 + r))}};
-  return grfw::File({grfw::PlainSprite(2, 2, {0x40, 0x50, 0xA0, 0xC5}, -2, 1),
-                     grfw::ActionRecord(Bytes(10, 1)), grfw::PlainSprite(3, 1, {7, 7, 7}, 0, 0, 2),
-                     grfw::PlainSprite(1, 1, {9}, 0, 0, 0x10), grfw::RunSprite(64, rows, -31, 0)});
-}
 
 class MainWindow : public ::testing::Test {
  protected:
@@ -86,9 +76,7 @@ class MainWindow : public ::testing::Test {
   }
   // The colour of palette index i; the picture's pixel at column c, row r of the sprite at
   // `index`, where the placement rule puts it.
-  QRgb Colour(int i) {
-    return qRgb(form.Palette[4 * i + 2], form.Palette[4 * i + 1], form.Palette[4 * i]);
-  }
+  QRgb Colour(int i) { return uitest::PaletteColour(form, i).rgb(); }
   QRgb Pixel(int index, int c, int r) {
     const SpriteRecord& s = form.Store.SpriteTable[static_cast<size_t>(index)];
     return form.picSprite->Image().pixel(

@@ -1,5 +1,5 @@
-// What the window tests share: a Wine prefix of their own, and the message box and the Open
-// dialog replaced by recorders.
+// What the window tests share: a Wine prefix of their own, the message box and the Open dialog
+// replaced by recorders, a started frmMain, and a file of five kinds of sprite.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,12 +7,17 @@
 
 #include <cstring>
 #include <filesystem>
+#include <memory>
+
+#include <QLabel>
 #include <string>
 #include <vector>
 
 #include "controls.h"
 #include "filedialog.h"
+#include "frmMain.h"
 #include "grf_writer.h"
+#include "listview.h"
 #include "msgbox.h"
 #include "process.h"
 
@@ -69,6 +74,54 @@ inline auto OpenDialog(const std::string& folder, int32_t owner) {
   return std::make_tuple("Open a GRF file..."s, folder,
                          "Transport Tycoon GRF file (*.grf)\0*.grf\0All files (*.*)\0*.*"s,
                          uint32_t{4}, owner);
+}
+
+using MsgBoxRecorder = Fakes;
+
+// frmMain started from the build's program folder, with the palette beside it, and shown.
+struct StartedForm {
+  Fakes Boxes;
+  std::unique_ptr<frmMain> Form = std::make_unique<frmMain>();
+  StartedForm() {
+    Form->AppPath = VOSSEL_BIN_DIR;
+    EXPECT_TRUE(Form->Form_Load());
+    Form->show();
+  }
+  frmMain& operator*() { return *Form; }
+  frmMain* operator->() { return Form.get(); }
+  // Loads a file of these bytes through LoadGRF; gives its name.
+  std::string Load(const std::string& name, const grfw::Bytes& bytes) {
+    Form->FileName = grfw::WriteTemp(name, bytes);
+    Form->LoadGRF();
+    return Form->FileName;
+  }
+};
+
+// 0: plain 2 x 2 at -2, 1; 1: an action sprite of 10 bytes; 2: plain 3 x 1, stored size;
+// 3: plain 1 x 1, flags 0x10; 4: run form 64 x 31 at -31, 0.
+inline grfw::Bytes FiveSprites() {
+  std::vector<std::vector<grfw::Run>> rows(31);
+  for (size_t r = 0; r < rows.size(); ++r)
+    rows[r] = {{static_cast<uint8_t>(r), grfw::Bytes(8, static_cast<uint8_t>(0x20 + r))}};
+  return grfw::File({grfw::PlainSprite(2, 2, {0x40, 0x50, 0xA0, 0xC5}, -2, 1),
+                     grfw::ActionRecord(grfw::Bytes(10, 1)),
+                     grfw::PlainSprite(3, 1, {7, 7, 7}, 0, 0, 2),
+                     grfw::PlainSprite(1, 1, {9}, 0, 0, 0x10), grfw::RunSprite(64, rows, -31, 0)});
+}
+
+// The texts of one column of the sprite list, in the order shown.
+inline std::vector<std::string> ColumnTexts(const frmMain& form, size_t column) {
+  std::vector<std::string> texts;
+  for (int32_t i = 1; i <= form.lvwSprite->ItemCount(); ++i)
+    texts.push_back(form.lvwSprite->Item(i).Texts[column]);
+  return texts;
+}
+
+// The colour that palette index i shows.
+inline QColor PaletteColour(const frmMain& form, int i) {
+  const auto& p = form.Palette;
+  return QColor(p[4 * static_cast<size_t>(i) + 2], p[4 * static_cast<size_t>(i) + 1],
+                p[4 * static_cast<size_t>(i)]);
 }
 
 }  // namespace uitest

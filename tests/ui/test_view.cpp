@@ -1,0 +1,258 @@
+// The View menu and version-2 files in the windows: the magnifier through its shortcuts, the items
+// a sprite offers, and frmMain and frmChunk on OpenGFX and on our own 32-bit files with zoom
+// levels, a mask layer, a missing id, a damaged stream and more sprites than version 1 allows.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include <QAction>
+#include <QMenu>
+#include <QTest>
+
+#include "controls.h"
+#include "fileio.h"
+#include "frmChunk.h"
+#include "listbox.h"
+#include "picturebox.h"
+#include "renderer.h"
+#include "scrollbar.h"
+#include "ui_support.h"
+
+namespace {
+
+using grfw::Bytes;
+using grfw::Image2;
+
+// The Zoom Level and Colour Depth items in menu order, checked X, enabled +, disabled -, and
+// whether the mask item is enabled.
+std::string Items(const frmMain& form) {
+  std::string s;
+  for (const QMenu* menu : {form.mnuZoomLevel, form.mnuColourDepth}) {
+    if (!s.empty()) s += '|';
+    for (const QAction* item : menu->actions())
+      s += item->isChecked() ? 'X' : item->isEnabled() ? '+' : '-';
+  }
+  return s + (form.mnuMaskLayer->isEnabled() ? " mask" : "");
+}
+
+// w x h pixels of the given layers, each byte (x * 37 + y * 11 + k * 5 + seed) & 255; every fifth
+// pixel all zero, which tile form leaves out.
+Image2 Pixels(uint8_t info, uint8_t zoom, uint16_t w, uint16_t h, int16_t x, int16_t y, int seed) {
+  Image2 im{info, zoom, w, h, x, y, {}};
+  for (int cell = 0; cell < w * h; ++cell)
+    for (size_t k = 0; k < grfw::PixelBytes(info); ++k)
+      im.pixels.push_back(cell % 5 == 0 ? 0
+                                        : uint8_t(cell % w * 37 + cell / w * 11 + k * 5 + seed));
+  return im;
+}
+
+// Whether the picture area shows the writer's pixels at the window's placement and magnification:
+// 32-bit ones with their alpha, or the last layer (8-bit pixels or the mask) through the palette.
+bool Shows(frmMain& form, const Image2& im, bool indexLayer) {
+  const size_t ps = grfw::PixelBytes(im.info);
+  QImage source(im.width, im.height, indexLayer ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+  for (int r = 0; r < im.height; ++r) {
+    for (int c = 0; c < im.width; ++c) {
+      const uint8_t* p = &im.pixels[(size_t(r) * im.width + c) * ps];
+      source.setPixel(c, r,
+                      indexLayer ? uitest::PaletteColour(form, p[ps - 1]).rgb()
+                                 : qRgba(p[0], p[1], p[2], (im.info & 2) ? p[3] : 255));
+    }
+  }
+  QImage canvas(form.picSprite->Image().size(), QImage::Format_RGB32);
+  PaintPicture(canvas, source, im.x, im.y, Left(form.scrSprite), ScaleHeight(form.picSprite),
+               Qt::white, form.Magnification);
+  return form.picSprite->Image() == canvas;
+}
+
+// Sprite 1: id 7 with 32-bit normal (alpha, tile form), 32-bit in 4x with a mask, 8-bit normal.
+// Sprite 2: a pseudo-sprite. Sprite 3: id 8, 8-bit normal only. Sprite 4: a missing id.
+// Sprite 5: id 9, 32-bit in 2x only. Sprite 6: id 10, a stream that decompresses past its size.
+const Image2 kNormal32 = Pixels(0x0B, 0, 9, 6, -4, -2, 1);
+const Image2 kIn4Mask = Pixels(0x07, 1, 20, 12, -10, -6, 2);
+const Image2 kNormal8 = Pixels(0x04, 0, 9, 6, -4, -2, 3);
+const Image2 kOnly8 = Pixels(0x04, 0, 5, 3, 0, 0, 4);
+const Image2 kIn2 = Pixels(0x03, 2, 7, 7, 1, 1, 5);
+
+Bytes OwnFile() {
+  Bytes overrun = {0x04, 0};  // 2 x 2 pixels from a stream of 2 + 3 bytes
+  for (uint16_t word : {2, 2, 0, 0}) grfw::PutWord(overrun, word);
+  grfw::AddData(overrun, {1, 2});
+  grfw::AddOffset(overrun, 3, 1);
+  return grfw::V2File(
+      {grfw::V2Ref(7), grfw::V2Data(0xFF, {1, 2, 3}), grfw::V2Ref(8), grfw::V2Ref(99),
+       grfw::V2Ref(9), grfw::V2Ref(10)},
+      {grfw::V2Sprite(7, kNormal32), grfw::V2Sprite(7, kIn4Mask), grfw::V2Sprite(7, kNormal8),
+       grfw::V2Sprite(8, kOnly8), grfw::V2Sprite(9, kIn2), grfw::V2Raw(10, overrun)});
+}
+
+}  // namespace
+
+TEST(Magnifier, ShortcutsScaleThePlacementAndActualSizeGivesBackTheSamePicture) {
+  uitest::StartedForm form;
+  form.Load("five.grf", uitest::FiveSprites());
+  EXPECT_EQ(Items(*form), "--X---|X-");  // a version-1 sprite: normal zoom, 8 bpp
+  form->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
+  const QImage actual = form->picSprite->Image().copy();
+
+  const Image2 sprite1{4, 0, 2, 2, -2, 1, {0x40, 0x50, 0xA0, 0xC5}};
+  QTest::keyClick(form.Form.get(), Qt::Key_Plus, Qt::ControlModifier);
+  EXPECT_EQ(form->Magnification, 2);
+  EXPECT_TRUE(Shows(*form, sprite1, true));
+  // x = (333 - 2 x 2 - 2 x 2) / 2, y = (318 - 2 x 2 + 2 x 1) / 2.
+  EXPECT_EQ(form->picSprite->Image().pixelColor(162, 158), uitest::PaletteColour(*form, 0x40));
+  for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
+  EXPECT_EQ(form->Magnification, 16);
+  EXPECT_FALSE(form->mnuZoomIn->isEnabled());
+  QTest::keyClick(form.Form.get(), Qt::Key_Minus, Qt::ControlModifier);
+  EXPECT_EQ(form->Magnification, 12);
+  form->scrSprite->SetValue(1);  // an action sprite offers no picture to choose
+  EXPECT_EQ(Items(*form), "------|--");
+  form->scrSprite->SetValue(0);
+  QTest::keyClick(form.Form.get(), Qt::Key_0, Qt::ControlModifier);
+  EXPECT_EQ(form->Magnification, 1);
+  EXPECT_EQ(form->picSprite->Image(), actual);
+  EXPECT_FALSE(form->mnuActualSize->isEnabled());
+}
+
+TEST(Version2, OpenGfxRowsTitlesAndTilePictures) {
+  const std::string path = "/usr/share/games/openttd/baseset/opengfx/ogfx1_base.grf";
+  uitest::StartedForm form;
+  form->FileName = path;
+  form->LoadGRF();
+  const FileReadResult file = ReadWholeFile(path);
+  GrfV2Index index;
+  ASSERT_EQ(IndexGrfV2(file.Bytes.data(), file.Bytes.size(), index, nullptr), GrfV2Result::Ok);
+  const auto count = int32_t(index.Sprites.size());
+  EXPECT_EQ(form->lvwSprite->ItemCount(), count);
+  EXPECT_EQ(form->scrSprite->Max(), count - 1);
+  EXPECT_EQ(Caption(form.Form.get()).rfind("Viewing sprite 1 (", 0), 0u);
+  ASSERT_EQ(form->Li->ListCount(), 3);  // no problem in a real file
+  EXPECT_EQ(form->Li->List(1).rfind("Loaded " + std::to_string(count) + " sprites in ", 0), 0u);
+
+  // The first 50 tile-form sprites against their decoded indices.
+  for (int32_t v = 0, tiles = 0; v < count && tiles < 50; ++v) {
+    const GrfV2Sprite& s = index.Sprites[size_t(v)];
+    if (s.Default < 0 || !(index.Alternatives[size_t(s.Default)].Info & kV2Tile)) continue;
+    ++tiles;
+    form->scrSprite->SetValue(v);
+    ASSERT_EQ(Items(*form), "--X---|X-");
+    GrfV2Image decoded;
+    DecodeAlternative(file.Bytes.data(), file.Bytes.size(), index.Alternatives[size_t(s.Default)],
+                      decoded);
+    Image2 im{4, 0, uint16_t(decoded.Width), uint16_t(decoded.Height), 0, 0, decoded.Indices};
+    im.x = int16_t(decoded.XOffset);
+    im.y = int16_t(decoded.YOffset);
+    ASSERT_TRUE(Shows(*form, im, true)) << v;
+    ASSERT_EQ(std::stoi(form->lvwSprite->Item(v + 1).Texts[1]), decoded.Width);
+  }
+}
+
+TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefault) {
+  uitest::StartedForm form;
+  form.Load("own2.grf", OwnFile());
+  EXPECT_EQ(uitest::ColumnTexts(*form, 1),
+            (std::vector<std::string>{"009", "003", "005", "000", "007", "002"}));
+  EXPECT_EQ(uitest::ColumnTexts(*form, 4)[0], "00001011");
+  EXPECT_EQ(form->Li->List(3), "Sprite 4 refers to id 99, which the file lacks");
+
+  // Sprite 1 shows its default: 32-bit normal, laid over the checkerboard.
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (9 x 6)");
+  EXPECT_EQ(Items(*form), "+-X---|+X");
+  EXPECT_TRUE(Shows(*form, kNormal32, false));
+
+  // Zoomed in 4x by its shortcut: a 32-bit picture with a mask, then the mask through the palette.
+  form->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
+  QTest::keyClick(form.Form.get(), Qt::Key_1, Qt::ControlModifier);
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (20 x 12)");
+  EXPECT_EQ(Caption(form->lblOffset), "-10 x -6");
+  EXPECT_EQ(Items(*form), "X-+---|+X mask");
+  EXPECT_TRUE(Shows(*form, kIn4Mask, false));
+  QTest::keyClick(form.Form.get(), Qt::Key_M, Qt::ControlModifier);
+  EXPECT_TRUE(Shows(*form, kIn4Mask, true));
+
+  // Sprites without that picture show their default; the choice comes back with sprite 1.
+  form->scrSprite->SetValue(2);
+  EXPECT_EQ(Items(*form), "--X---|X-");
+  EXPECT_TRUE(Shows(*form, kOnly8, true));
+  form->scrSprite->SetValue(4);
+  EXPECT_EQ(Items(*form), "-X----|-X");
+  form->scrSprite->SetValue(1);
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 2 (3 x 1)");
+  EXPECT_EQ(Items(*form), "------|--");
+  form->scrSprite->SetValue(0);
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (20 x 12)");
+
+  // 8 bpp, which zoomed in 4x lacks: the 8-bit picture at normal zoom.
+  QTest::keyClick(form.Form.get(), Qt::Key_7, Qt::ControlModifier);
+  EXPECT_EQ(Items(*form), "+-X---|X+");
+  EXPECT_TRUE(Shows(*form, kNormal8, true));
+
+  // A stream that cannot be decoded is told once however often it is shown, and the area stays
+  // blank beside its facts.
+  const int32_t before = form->Li->ListCount();
+  for (int32_t v : {5, 2, 5, 0, 5}) form->scrSprite->SetValue(v);
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 6 (2 x 2)");
+  ASSERT_EQ(form->Li->ListCount(), before + 1);
+  EXPECT_EQ(form->Li->List(0).rfind("Sprite 6: The image stream of id 10 ", 0), 0u);
+  EXPECT_EQ(form->picSprite->Image().pixelColor(165, 159), QColor(Qt::white));
+  EXPECT_TRUE(form.Boxes.Boxes.empty());
+}
+
+TEST(Version2, MoreSpritesThanVersionOneCanHold) {
+  uitest::StartedForm form;
+  form.Load("many2.grf",
+            grfw::V2File(std::vector<Bytes>(40000, grfw::V2Ref(1)), {grfw::V2Sprite(1, kOnly8)}));
+  EXPECT_EQ(form->lvwSprite->ItemCount(), 40000);
+  EXPECT_EQ(form->scrSprite->Max(), 39999);
+  form->lvwSprite_ItemClick(form->lvwSprite->Item(40000));
+  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 40000 (5 x 3)");
+}
+
+TEST(Version2, ChunkViewerListsTheChunksOfEachDefaultPicture) {
+  uitest::MsgBoxRecorder boxes;
+  const Bytes bytes = OwnFile();
+  frmChunk chunk;
+  chunk.FileName = grfw::WriteTemp("chunks2.grf", bytes);
+  chunk.ScanGRF();
+  EXPECT_EQ(chunk.scrSprite->Max(), 5);
+  GrfV2Index index;
+  IndexGrfV2(bytes.data(), bytes.size(), index, nullptr);
+  for (int32_t v : {0, 4, 1}) {
+    chunk.scrSprite->SetValue(v);
+    const GrfV2Sprite& s = index.Sprites[size_t(v)];
+    const std::vector<ChunkLine> want =
+        V2ChunkList(bytes.data(), bytes.size(), index, s, s.Default);
+    ASSERT_EQ(chunk.Li->ListCount(), int32_t(want.size())) << v;
+    for (size_t i = 0; i < want.size(); ++i) EXPECT_EQ(chunk.Li->List(int32_t(i)), want[i].Text);
+  }
+  EXPECT_EQ(chunk.Li->List(0), "Action sprite, 3 bytes");
+}
+
+// Damaged copies of our own file, browsed with every choice in both windows: the sanitizer build
+// sees any read outside a buffer.
+TEST(Version2, DamagedFilesStayBrowsable) {
+  uitest::StartedForm form;
+  std::mt19937 rng(7);
+  const Bytes good = OwnFile();
+  for (int round = 0; round < 60; ++round) {
+    Bytes b = good;
+    for (uint32_t i = 0, flips = 1 + rng() % 6; i < flips; ++i)
+      b[15 + rng() % (b.size() - 15)] = uint8_t(rng());
+    if (rng() % 4 == 0) b.resize(17 + rng() % (b.size() - 17));
+    form.Load("damaged.grf", b);
+    for (int32_t v = 0; v <= form->scrSprite->Max(); ++v) {
+      form->scrSprite->SetValue(v);
+      form->mnuLevel_Click(int32_t(rng() % 6));
+      form->mnuDepth_Click(rng() % 2 ? 8 : 32);
+      form->mnuMaskLayer->trigger();
+      form->mnuZoomIn_Click();
+    }
+    frmChunk chunk;
+    chunk.FileName = grfw::WriteTemp("damaged-chunks.grf", b);
+    chunk.ScanGRF();
+    for (int32_t v = 0; v <= chunk.scrSprite->Max(); ++v) chunk.scrSprite->SetValue(v);
+  }
+}

@@ -1,0 +1,154 @@
+// frmMain's View commands: the magnifier, the choice of a sprite's alternative by zoom level and
+// colour depth, and the mask layer.
+#include <algorithm>
+#include <iterator>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QKeySequence>
+#include <QMenu>
+
+#include "composite.h"
+#include "frmMain.h"
+#include "picturebox.h"
+#include "scrollbar.h"
+
+namespace {
+
+// The magnifications Zoom In and Zoom Out step through.
+constexpr int32_t kSteps[] = {1, 2, 3, 4, 6, 8, 12, 16};
+
+// The zoom levels from the largest picture to the smallest, as the menu lists them.
+constexpr struct {
+  int32_t Zoom;
+  const char* Caption;
+} kLevels[] = {
+    {1, "Zoomed in 4x"},  {2, "Zoomed in 2x"},  {0, "&Normal"},
+    {3, "Zoomed out 2x"}, {4, "Zoomed out 4x"}, {5, "Zoomed out 8x"},
+};
+
+QAction* NewCommand(QMenu* menu, const char* caption, QList<QKeySequence> shortcuts) {
+  QAction* item = menu->addAction(QString::fromLatin1(caption));
+  item->setShortcuts(shortcuts);
+  return item;
+}
+
+QAction* NewChoice(QMenu* menu, QActionGroup* group, const char* caption, QKeySequence shortcut) {
+  QAction* item = NewCommand(menu, caption, {shortcut});
+  item->setCheckable(true);
+  group->addAction(item);
+  return item;
+}
+
+}  // namespace
+
+void frmMain::BuildViewItems() {
+  mnuLine2 = mnuView->addSeparator();
+  // Ctrl+= too: the plus sign needs Shift on most keyboards.
+  mnuZoomIn =
+      NewCommand(mnuView, "Zoom &In",
+                 {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+  mnuZoomOut = NewCommand(mnuView, "Zoom &Out", {QKeySequence(Qt::CTRL | Qt::Key_Minus)});
+  mnuActualSize = NewCommand(mnuView, "&Actual Size", {QKeySequence(Qt::CTRL | Qt::Key_0)});
+  mnuLine3 = mnuView->addSeparator();
+
+  mnuZoomLevel = mnuView->addMenu(QStringLiteral("Zoom &Level"));
+  auto* levels = new QActionGroup(this);
+  levels->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+  for (size_t i = 0; i < std::size(kLevels); ++i) {
+    const int32_t zoom = kLevels[i].Zoom;
+    mnuLevel[static_cast<size_t>(zoom)] =
+        NewChoice(mnuZoomLevel, levels, kLevels[i].Caption,
+                  QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i)));
+    connect(mnuLevel[static_cast<size_t>(zoom)], &QAction::triggered, this,
+            [this, zoom] { mnuLevel_Click(zoom); });
+  }
+  mnuColourDepth = mnuView->addMenu(QStringLiteral("&Colour Depth"));
+  auto* depths = new QActionGroup(this);
+  depths->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+  mnuDepth8 = NewChoice(mnuColourDepth, depths, "&8 bpp", QKeySequence(Qt::CTRL | Qt::Key_7));
+  mnuDepth32 = NewChoice(mnuColourDepth, depths, "&32 bpp", QKeySequence(Qt::CTRL | Qt::Key_8));
+  mnuMaskLayer = NewCommand(mnuView, "&Mask Layer", {QKeySequence(Qt::CTRL | Qt::Key_M)});
+  mnuMaskLayer->setCheckable(true);
+
+  connect(mnuZoomIn, &QAction::triggered, this, [this] { mnuZoomIn_Click(); });
+  connect(mnuZoomOut, &QAction::triggered, this, [this] { mnuZoomOut_Click(); });
+  connect(mnuActualSize, &QAction::triggered, this, [this] { mnuActualSize_Click(); });
+  connect(mnuDepth8, &QAction::triggered, this, [this] { mnuDepth_Click(8); });
+  connect(mnuDepth32, &QAction::triggered, this, [this] { mnuDepth_Click(32); });
+  connect(mnuMaskLayer, &QAction::triggered, this, [this] { mnuMaskLayer_Click(); });
+  UpdateViewItems();
+}
+
+void frmMain::SetMagnification(int32_t magnification) {
+  Magnification = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+  DrawSprite(scrSprite->Value());
+  UpdateViewItems();
+}
+
+void frmMain::mnuZoomIn_Click() {
+  const auto* next = std::upper_bound(std::begin(kSteps), std::end(kSteps), Magnification);
+  if (next != std::end(kSteps)) SetMagnification(*next);
+}
+
+void frmMain::mnuZoomOut_Click() {
+  const auto* next = std::lower_bound(std::begin(kSteps), std::end(kSteps), Magnification);
+  if (next != std::begin(kSteps)) SetMagnification(*(next - 1));
+}
+
+void frmMain::mnuActualSize_Click() {
+  SetMagnification(1);
+}
+
+// A zoom level at the depth on view where the sprite has it, else at the depth it has; a depth
+// at the zoom level on view, else at the sprite's level nearest to normal. A version-1 sprite has
+// its one picture. Either way the sprite is shown anew with its facts, and the items follow.
+void frmMain::mnuLevel_Click(int32_t zoom) {
+  const int32_t v = scrSprite->Value();
+  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
+    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
+    int32_t a = ChooseAlternative(V2, s, zoom, Offer.Depth);
+    if (a < 0) a = ChooseAlternative(V2, s, zoom, 0);
+    if (a >= 0) {
+      ChosenZoom = zoom;
+      ChosenDepth = AlternativeDepth(V2.Alternatives[static_cast<size_t>(a)]);
+    }
+  }
+  scrSprite_Change();
+}
+
+void frmMain::mnuDepth_Click(int32_t bits) {
+  const int32_t v = scrSprite->Value();
+  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
+    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
+    int32_t a = ChooseAlternative(V2, s, Offer.Zoom, bits);
+    if (a < 0) a = ChooseAlternative(V2, s, -1, bits);
+    if (a >= 0) {
+      ChosenZoom = V2.Alternatives[static_cast<size_t>(a)].Zoom;
+      ChosenDepth = bits;
+    }
+  }
+  scrSprite_Change();
+}
+
+void frmMain::mnuMaskLayer_Click() {
+  scrSprite_Change();
+}
+
+void frmMain::UpdateViewItems() {
+  mnuZoomIn->setEnabled(Magnification < kMaxMagnification);
+  mnuZoomOut->setEnabled(Magnification > kMinMagnification);
+  mnuActualSize->setEnabled(Magnification != 1);
+
+  for (int32_t zoom = 0; zoom < kZoomLevels; ++zoom) {
+    QAction* item = mnuLevel[static_cast<size_t>(zoom)];
+    item->setEnabled(Offer.Zooms[static_cast<size_t>(zoom)]);
+    item->setChecked(Offer.Zoom == zoom);
+  }
+  mnuDepth8->setEnabled(Offer.Depth8);
+  mnuDepth8->setChecked(Offer.Depth == 8);
+  mnuDepth32->setEnabled(Offer.Depth32);
+  mnuDepth32->setChecked(Offer.Depth == 32);
+  // The wish to see the mask stays while browsing; only a picture with one can show it.
+  mnuMaskLayer->setEnabled(Offer.Mask);
+}
