@@ -1,5 +1,5 @@
 // The renderer against a picture worked out pixel by pixel, for random sprites, stores, palettes,
-// picture areas and background colours; and the placement's rounding.
+// picture areas and background colours.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -58,12 +58,4 @@ TEST(DrawSprite, RandomSpritesLandWhereTheyShould) {
       }
     }
   }
-}
-
-TEST(PlaceSprite, AFractionOfAMeasureRoundsHalfToEven) {
-  for (const auto& [freeWidth, height, x, y] :
-       {std::tuple{224.5, 1.5, 80, 0}, {225.5, -0.5, 81, -1}})
-    EXPECT_EQ(std::make_pair(PlaceSprite(Record(64, 1), freeWidth, height).X,
-                             PlaceSprite(Record(64, 1), freeWidth, height).Y),
-              std::make_pair(x, y));
 }

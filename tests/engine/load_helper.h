@@ -5,7 +5,6 @@
 #include <tuple>
 #include <vector>
 
-#include "fileio.h"
 #include "grf.h"
 #include "grf_writer.h"
 
@@ -31,9 +30,4 @@ inline Loaded Load(const grfw::Bytes& bytes) {
 inline auto Facts(const SpriteRecord& r) {
   return std::make_tuple(r.DataOffset, r.Size, r.Flags, r.CompressedSize, r.XOffset, r.YOffset,
                          r.Width, r.Height);
-}
-
-// A file of Debian's openttd-data, or no bytes when it is not installed.
-inline grfw::Bytes Baseset(const std::string& name) {
-  return ReadWholeFile(std::string(VOSSEL_BASESET_DIR) + "/" + name).Bytes;
 }

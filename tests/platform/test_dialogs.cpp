@@ -23,8 +23,6 @@ using namespace std::string_literals;
 
 namespace {
 
-const char kFilter[] = "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
-
 // Runs `act` on the modal dialog of that kind once it is shown and `act` says it is done with it.
 template <typename Dialog>
 void WhenShown(std::function<bool(Dialog*)> act) {
@@ -106,7 +104,7 @@ TEST(QtDialogs, OpenOnTheRealFileDialog) {
   clsFileDialog fd;
   fd.InitialDirectory(dir.path().toStdString());
   fd.WindowTitle("Open a GRF file...");
-  fd.Filter(kFilter);
+  fd.Filter("Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*");
   fd.Flags(OFN_HIDEREADONLY);
   WhenShown<QFileDialog>([&](QFileDialog* d) {
     EXPECT_EQ(d->windowTitle(), "Open a GRF file...");

@@ -28,11 +28,6 @@ namespace {
 
 class MainWindow : public ::testing::Test {
  protected:
-  void SetUp() override {
-    form.AppPath = VOSSEL_BIN_DIR;
-    ASSERT_TRUE(form.Form_Load());
-    form.show();
-  }
   // Open through the menu, the dialog confirming a file of these bytes.
   std::string Open(const Bytes& bytes, const std::string& name = "five.grf") {
     fakes.Next = grfw::WriteTemp(name, bytes);
@@ -84,8 +79,9 @@ class MainWindow : public ::testing::Test {
         (ScaleHeight(form.picSprite) - s.Height + s.YOffset) / 2 + r);
   }
 
-  uitest::Fakes fakes;
-  frmMain form;
+  uitest::StartedForm started;
+  uitest::Fakes& fakes = started.Boxes;
+  frmMain& form = *started;
   std::vector<std::string> captions;
 };
 
