@@ -100,8 +100,6 @@ TEST(Magnifier, ShortcutsScaleThePlacementAndActualSizeGivesBackTheSamePicture) 
   QTest::keyClick(form.Form.get(), Qt::Key_Plus, Qt::ControlModifier);
   EXPECT_EQ(form->Magnification, 2);
   EXPECT_TRUE(Shows(*form, sprite1, true));
-  // x = (333 - 2 x 2 - 2 x 2) / 2, y = (318 - 2 x 2 + 2 x 1) / 2.
-  EXPECT_EQ(form->picSprite->Image().pixelColor(162, 158), uitest::PaletteColour(*form, 0x40));
   for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
   EXPECT_EQ(form->Magnification, 16);
   EXPECT_FALSE(form->mnuZoomIn->isEnabled());
@@ -127,10 +125,6 @@ TEST(Version2, OpenGfxRowsTitlesAndTilePictures) {
   const auto count = int32_t(index.Sprites.size());
   EXPECT_EQ(form->lvwSprite->ItemCount(), count);
   EXPECT_EQ(form->scrSprite->Max(), count - 1);
-  EXPECT_EQ(Caption(form.Form.get()).rfind("Viewing sprite 1 (", 0), 0u);
-  ASSERT_EQ(form->Li->ListCount(), 3);  // no problem in a real file
-  EXPECT_EQ(form->Li->List(1).rfind("Loaded " + std::to_string(count) + " sprites in ", 0), 0u);
-
   // The first 50 tile-form sprites against their decoded indices.
   for (int32_t v = 0, tiles = 0; v < count && tiles < 50; ++v) {
     const GrfV2Sprite& s = index.Sprites[size_t(v)];
@@ -141,9 +135,13 @@ TEST(Version2, OpenGfxRowsTitlesAndTilePictures) {
     GrfV2Image decoded;
     DecodeAlternative(file.Bytes.data(), file.Bytes.size(), index.Alternatives[size_t(s.Default)],
                       decoded);
-    Image2 im{4, 0, uint16_t(decoded.Width), uint16_t(decoded.Height), 0, 0, decoded.Indices};
-    im.x = int16_t(decoded.XOffset);
-    im.y = int16_t(decoded.YOffset);
+    const Image2 im{4,
+                    0,
+                    uint16_t(decoded.Width),
+                    uint16_t(decoded.Height),
+                    int16_t(decoded.XOffset),
+                    int16_t(decoded.YOffset),
+                    decoded.Indices};
     ASSERT_TRUE(Shows(*form, im, true)) << v;
     ASSERT_EQ(std::stoi(form->lvwSprite->Item(v + 1).Texts[1]), decoded.Width);
   }
@@ -211,37 +209,18 @@ TEST(Version2, MoreSpritesThanVersionOneCanHold) {
   EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 40000 (5 x 3)");
 }
 
-TEST(Version2, ChunkViewerListsTheChunksOfEachDefaultPicture) {
-  uitest::MsgBoxRecorder boxes;
-  const Bytes bytes = OwnFile();
-  frmChunk chunk;
-  chunk.FileName = grfw::WriteTemp("chunks2.grf", bytes);
-  chunk.ScanGRF();
-  EXPECT_EQ(chunk.scrSprite->Max(), 5);
-  GrfV2Index index;
-  IndexGrfV2(bytes.data(), bytes.size(), index, nullptr);
-  for (int32_t v : {0, 4, 1}) {
-    chunk.scrSprite->SetValue(v);
-    const GrfV2Sprite& s = index.Sprites[size_t(v)];
-    const std::vector<ChunkLine> want =
-        V2ChunkList(bytes.data(), bytes.size(), index, s, s.Default);
-    ASSERT_EQ(chunk.Li->ListCount(), int32_t(want.size())) << v;
-    for (size_t i = 0; i < want.size(); ++i) EXPECT_EQ(chunk.Li->List(int32_t(i)), want[i].Text);
-  }
-  EXPECT_EQ(chunk.Li->List(0), "Action sprite, 3 bytes");
-}
-
-// Damaged copies of our own file, browsed with every choice in both windows: the sanitizer build
-// sees any read outside a buffer.
-TEST(Version2, DamagedFilesStayBrowsable) {
+// Damaged copies of our own file, the first one whole, browsed with every choice in both windows;
+// the chunk viewer lists the chunk walk of each sprite's default picture. The sanitizer build sees
+// any read outside a buffer.
+TEST(Version2, DamagedFilesStayBrowsableAndTheChunkViewerListsTheChunkWalk) {
   uitest::StartedForm form;
   std::mt19937 rng(7);
   const Bytes good = OwnFile();
   for (int round = 0; round < 60; ++round) {
     Bytes b = good;
-    for (uint32_t i = 0, flips = 1 + rng() % 6; i < flips; ++i)
+    for (uint32_t i = 0, flips = round == 0 ? 0 : 1 + rng() % 6; i < flips; ++i)
       b[15 + rng() % (b.size() - 15)] = uint8_t(rng());
-    if (rng() % 4 == 0) b.resize(17 + rng() % (b.size() - 17));
+    if (round > 0 && rng() % 4 == 0) b.resize(17 + rng() % (b.size() - 17));
     form.Load("damaged.grf", b);
     for (int32_t v = 0; v <= form->scrSprite->Max(); ++v) {
       form->scrSprite->SetValue(v);
@@ -253,6 +232,14 @@ TEST(Version2, DamagedFilesStayBrowsable) {
     frmChunk chunk;
     chunk.FileName = grfw::WriteTemp("damaged-chunks.grf", b);
     chunk.ScanGRF();
-    for (int32_t v = 0; v <= chunk.scrSprite->Max(); ++v) chunk.scrSprite->SetValue(v);
+    GrfV2Index index;
+    IndexGrfV2(b.data(), b.size(), index, nullptr);
+    for (int32_t v = 0; v < int32_t(index.Sprites.size()); ++v) {
+      chunk.scrSprite->SetValue(v);
+      const GrfV2Sprite& s = index.Sprites[size_t(v)];
+      const std::vector<ChunkLine> want = V2ChunkList(b.data(), b.size(), index, s, s.Default);
+      ASSERT_EQ(chunk.Li->ListCount(), int32_t(want.size())) << round << " " << v;
+      for (size_t i = 0; i < want.size(); ++i) EXPECT_EQ(chunk.Li->List(int32_t(i)), want[i].Text);
+    }
   }
 }
