@@ -6,6 +6,7 @@
 #include <random>
 #include <sstream>
 
+#include "case_file.h"
 #include "fileio.h"
 #include "grf2.h"
 #include "grf_writer.h"
@@ -124,65 +125,40 @@ TEST(GrfV2, IdsAndTheDefaultAlternative) {
 }
 
 TEST(GrfV2, DamagedFilesSayWhatAndKeepTheRest) {
-  // A good sprite first; the damage behind it.
-  auto file = [](std::vector<Bytes> data, std::vector<Bytes> sprites) {
-    data.insert(data.begin(), grfw::V2Ref(1));
-    sprites.insert(sprites.begin(), grfw::V2Sprite(1, RandomImage(0x04, 0, 8, 8, 1)));
+  auto file = [](const std::vector<Bytes>& data, std::vector<Bytes> sprites) {
+    sprites.insert(sprites.begin(), grfw::V2Sprite(1, Image2{0x04, 0, 1, 1, 0, 0, {7}}));
     return grfw::V2File(data, sprites);
   };
-  // An image entry of id 2: info, zoom, height 1, width 2, offsets, then `tail`.
-  auto image = [](uint8_t info, uint8_t zoom, Bytes tail) {
-    Bytes b = {info, zoom, 1, 0, 2, 0, 0, 0, 0, 0};
-    grfw::Append(b, tail);
-    return grfw::V2Raw(2, b);
-  };
-  const Bytes empty = grfw::V2File({}, {});
-  Bytes outside = file({}, {}), cutData = file({grfw::V2Data(0xFF, {1, 2, 3})}, {});
-  outside[10] = 0xF0;     // the sprite section far behind the end
-  cutData[15 + 9] = 100;  // a pseudo-sprite reaching into the sprite section
-  Bytes cutSprite = file({}, {grfw::V2Raw(2, Bytes(30, 4))});
-  cutSprite.resize(cutSprite.size() - 10);
-  using R = GrfV2Result;
-  const std::tuple<Bytes, R, R> cases[] = {
-      {Bytes(empty.begin(), empty.begin() + 12), R::HeaderCut, R::HeaderCut},
-      {grfw::V2File({}, {}, 1), R::UnknownCompression, R::UnknownCompression},
-      {outside, R::SpriteSectionOutside, R::SpriteSectionOutside},
-      {cutData, R::DataSectionCut, R::DataSectionCut},
-      {cutSprite, R::SpriteSectionCut, R::SpriteSectionCut},
-      {file({grfw::V2Ref(4)}, {}), R::Ok, R::MissingId},
-      {file({grfw::V2Data(0xFD, {4, 0})}, {}), R::Ok, R::BadReference},
-      {file({grfw::V2Data(0x12, {4})}, {}), R::Ok, R::UnknownDataInfo},
-      {file({}, {grfw::V2Raw(2, {})}), R::Ok, R::EmptyEntry},
-      {file({}, {image(0x0C, 0, {9})}), R::Ok, R::ImageHeaderCut},
-      {file({}, {image(0x04, 6, {2, 1, 2})}), R::Ok, R::UnknownZoom},
-      {file({}, {image(0x02, 0, {2, 1, 2})}), R::Ok, R::NoColour},
-      // Streams that index but do not decode.
-      {file({}, {image(0x04, 0, {3, 1, 2, 3})}), R::Ok, R::StreamOverrun},
-      {file({}, {image(0x04, 0, {1, 1})}), R::Ok, R::StreamShort},
-      {file({}, {image(0x0C, 0, {5, 0, 0, 0, 5, 9, 0, 0x81, 0, 5})}), R::Ok, R::TileOutside},
-      {file({}, {image(0x0C, 0, {6, 0, 0, 0, 6, 2, 0, 0x82, 1, 5, 6})}), R::Ok, R::TileOutside},
-      {file({}, {image(0x0C, 0, {5, 0, 0, 0, 5, 2, 0, 0x01, 0, 5})}), R::Ok, R::TileOutside},
-      {file({}, {image(0x05, 0, {})}), R::Ok, R::StreamShort},
-      {file({}, {grfw::V2Raw(2, {0x05, 0, 0, 0x40, 0, 0x40, 0, 0, 0, 0, 0x80, 0})}), R::Ok,
-       R::TooLarge},
-      {file({}, {grfw::V2Raw(2, {0xFF, 1})}), R::Ok, R::NotAnImage},
-  };
-  for (const auto& [bytes, end, problem] : cases) {
-    SCOPED_TRACE(GrfV2Text({problem, 0, 0, 0, 0}));
+  for (const std::string& line : CaseLines("engine/v2_damage_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 5);
+    SCOPED_TRACE(f[0]);
+    std::vector<Bytes> sprites;
+    if (f[3] != "none") sprites.push_back(grfw::V2Raw(2, Hex(f[3])));
+    Bytes bytes = file({grfw::V2Ref(1), Hex(f[2])}, sprites);
+    std::istringstream changes(f[4] == "-" ? "" : f[4]);
+    for (std::string c; changes >> c;) {
+      const size_t colon = c.find(':');
+      if (colon != std::string::npos)
+        bytes.at(std::stoul(c.substr(0, colon))) =
+            uint8_t(std::stoul(c.substr(colon + 1), nullptr, 16));
+      else
+        bytes.resize(c[0] == '-' ? bytes.size() - std::stoul(c.substr(1)) : std::stoul(c));
+    }
     const Opened o = Open(bytes);
-    EXPECT_EQ(o.Index.End, end);
-    GrfV2Image picture;
-    if (o.Index.ProblemCount == 0) {  // a decoding case: the second entry fails, the first not
+    if (f[1] == "decode") {  // the second picture fails to decode, and gives nothing
+      ASSERT_EQ(o.Index.ProblemCount, 0);
       ASSERT_EQ(o.Index.Alternatives.size(), 2u);
-      EXPECT_EQ(o.Decode(1, picture), problem);
+      GrfV2Image picture;
+      EXPECT_EQ(DecodeText(o.Decode(1, picture), o.Index.Alternatives[1]), f[0]);
       EXPECT_TRUE(picture.Rgba.empty() && picture.Indices.empty());
     } else {
-      ASSERT_EQ(o.Index.ProblemCount, 1);
-      EXPECT_EQ(o.Index.Problems[0].Kind, problem);
-      EXPECT_EQ(o.Messages, std::vector<std::string>{GrfV2Text(o.Index.Problems[0])});
+      EXPECT_EQ(o.Index.ProblemCount, 1);
+      EXPECT_EQ(o.Messages, std::vector<std::string>{f[0]});
+      EXPECT_EQ(o.Index.End != GrfV2Result::Ok, f[1].rfind("stops", 0) == 0);
     }
-    if (end == R::Ok || end == R::SpriteSectionCut) {
-      EXPECT_EQ(o.Decode(0, picture), R::Ok);
+    GrfV2Image first;
+    if (f[1] != "stops") {
+      EXPECT_EQ(o.Decode(0, first), GrfV2Result::Ok);
     }
   }
   // Many problems: the first ones as messages, then one that counts the rest.
