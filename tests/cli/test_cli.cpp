@@ -36,25 +36,17 @@ Bytes Kinds() {
   return file;
 }
 
-// Pixels counting up; every seventh all zero, which tile form leaves uncovered.
-grfw::Image2 Counting(uint8_t info, uint8_t zoom, uint16_t w, uint16_t h, int16_t x, int16_t y) {
-  grfw::Image2 im{info, zoom, w, h, x, y, {}};
-  const size_t ps = grfw::PixelBytes(info);
-  for (size_t i = 0; i < size_t{w} * h * ps; ++i)
-    im.pixels.push_back((i / ps) % 7 == 3 ? 0 : uint8_t(1 + i * 13 % 251));
-  return im;
-}
-
 // Version 2. Sprite 1: three alternatives of id 1, one of them tile form wider than 256; 2: a
 // pseudo-sprite; 3: only 32-bit, none at normal zoom; 4: an id the file lacks; 5: a stream that
 // ends too soon.
 Bytes Version2() {
   using grfw::V2Ref, grfw::V2Sprite;
+  const auto Random = grfw::RandomImage;
   return grfw::V2File(
       {V2Ref(1), grfw::V2Data(0xFF, {9, 8, 7}), V2Ref(2), V2Ref(99), V2Ref(3)},
-      {V2Sprite(1, Counting(0x04, 0, 5, 3, -2, 1)), V2Sprite(1, Counting(0x07, 0, 4, 2, 0, 0)),
-       V2Sprite(1, Counting(0x0B, 1, 300, 2, -150, -1)), V2Sprite(2, Counting(0x01, 2, 6, 6, 3, 3)),
-       V2Sprite(2, Counting(0x0D, 3, 3, 3, 0, 0)),
+      {V2Sprite(1, Random(0x04, 0, 5, 3, -2, 1, 2)), V2Sprite(1, Random(0x07, 0, 4, 2, 0, 0, 3)),
+       V2Sprite(1, Random(0x0B, 1, 300, 2, -150, -1, 4)),
+       V2Sprite(2, Random(0x01, 2, 6, 6, 3, 3, 5)), V2Sprite(2, Random(0x0D, 3, 3, 3, 0, 0, 6)),
        grfw::V2Raw(3, {0x04, 0, 2, 0, 2, 0, 0, 0, 0, 0, 1, 7})});
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <random>
 #include <sstream>
 
 #include "case_file.h"
@@ -15,20 +14,6 @@ namespace {
 
 using grfw::Bytes;
 using grfw::Image2;
-
-// Random pixels with runs in them; about a third of them all zero, which tile form leaves out.
-Image2 RandomImage(uint8_t info, uint8_t zoom, uint16_t w, uint16_t h, uint32_t seed) {
-  std::mt19937 rng(seed);
-  Image2 im{info, zoom, w, h, int16_t(-w / 2), int16_t(seed % 7), {}};
-  Bytes pixel(grfw::PixelBytes(info));
-  for (size_t i = 0; i < size_t{w} * h; ++i) {
-    if (rng() % 3 == 0) pixel.assign(pixel.size(), 0);
-    if (rng() % 3 == 1)
-      for (uint8_t& b : pixel) b = uint8_t(rng() | 1);
-    grfw::Append(im.pixels, pixel);
-  }
-  return im;
-}
 
 // An independent decoder of the chunk list's lines: data chunks give the bytes they show, offset
 // chunks copy from the position they name.
@@ -79,7 +64,9 @@ TEST(GrfV2, EveryImageKindDecodesToItsPixels) {
   std::vector<Image2> images;
   std::vector<Bytes> data, sprites;
   for (const auto& [info, w, h] : kinds) {
-    images.push_back(RandomImage(info, images.size() % kZoomLevels, w, h, images.size()));
+    const auto n = uint32_t(images.size());
+    images.push_back(
+        grfw::RandomImage(info, n % kZoomLevels, w, h, int16_t(-w / 2), int16_t(n % 7), n));
     sprites.push_back(grfw::V2Sprite(uint32_t(images.size()), images.back()));
     data.push_back(grfw::V2Ref(uint32_t(images.size())));
   }
@@ -105,7 +92,7 @@ TEST(GrfV2, EveryImageKindDecodesToItsPixels) {
 
 TEST(GrfV2, IdsAndTheDefaultAlternative) {
   auto alt = [](uint32_t id, uint8_t info, uint8_t zoom) {
-    return grfw::V2Sprite(id, RandomImage(info, zoom, 4, 4, id));
+    return grfw::V2Sprite(id, grfw::RandomImage(info, zoom, 4, 4, 0, 0, id));
   };
   // Ids out of order, 9 never used, 3 used twice; 5 only 32-bit and none at normal zoom.
   const Opened o =

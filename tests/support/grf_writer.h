@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -189,6 +190,22 @@ struct Image2 {
 
 inline size_t PixelBytes(uint8_t info) {
   return ((info & 1) ? 3 : 0) + ((info & 2) ? 1 : 0) + ((info & 4) ? 1 : 0);
+}
+
+// Random pixels with runs of equal ones in them; about a third of them all zero, which tile form
+// leaves uncovered.
+inline Image2 RandomImage(uint8_t info, uint8_t zoom, uint16_t w, uint16_t h, int16_t x, int16_t y,
+                          uint32_t seed) {
+  std::mt19937 rng(seed);
+  Image2 im{info, zoom, w, h, x, y, {}};
+  Bytes pixel(PixelBytes(info));
+  for (size_t i = 0; i < size_t{w} * h; ++i) {
+    if (rng() % 3 == 0) pixel.assign(pixel.size(), 0);
+    if (rng() % 3 == 1)
+      for (uint8_t& b : pixel) b = static_cast<uint8_t>(rng() | 1);
+    Append(im.pixels, pixel);
+  }
+  return im;
 }
 
 // The decompressed tile form: one offset per row (4 bytes each once the whole reaches 65,536

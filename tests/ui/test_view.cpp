@@ -1,6 +1,6 @@
 // The View menu and version-2 files in the windows: the magnifier through its shortcuts, the items
-// a sprite offers, and frmMain and frmChunk on OpenGFX and on our own 32-bit files with zoom
-// levels, a mask layer, a missing id, a damaged stream and more sprites than version 1 allows.
+// a sprite offers, and frmMain and frmChunk on our own 32-bit files with zoom levels, a mask
+// layer, a missing id, a damaged stream and more sprites than version 1 allows.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -10,7 +10,6 @@
 #include <QTest>
 
 #include "controls.h"
-#include "fileio.h"
 #include "frmChunk.h"
 #include "listbox.h"
 #include "picturebox.h"
@@ -35,17 +34,6 @@ std::string Items(const frmMain& form) {
   return s + (form.mnuMaskLayer->isEnabled() ? " mask" : "");
 }
 
-// w x h pixels of the given layers, each byte (x * 37 + y * 11 + k * 5 + seed) & 255; every fifth
-// pixel all zero, which tile form leaves out.
-Image2 Pixels(uint8_t info, uint8_t zoom, uint16_t w, uint16_t h, int16_t x, int16_t y, int seed) {
-  Image2 im{info, zoom, w, h, x, y, {}};
-  for (int cell = 0; cell < w * h; ++cell)
-    for (size_t k = 0; k < grfw::PixelBytes(info); ++k)
-      im.pixels.push_back(cell % 5 == 0 ? 0
-                                        : uint8_t(cell % w * 37 + cell / w * 11 + k * 5 + seed));
-  return im;
-}
-
 // Whether the picture area shows the writer's pixels at the window's placement and magnification:
 // 32-bit ones with their alpha, or the last layer (8-bit pixels or the mask) through the palette.
 bool Shows(frmMain& form, const Image2& im, bool indexLayer) {
@@ -67,23 +55,20 @@ bool Shows(frmMain& form, const Image2& im, bool indexLayer) {
 
 // Sprite 1: id 7 with 32-bit normal (alpha, tile form), 32-bit in 4x with a mask, 8-bit normal.
 // Sprite 2: a pseudo-sprite. Sprite 3: id 8, 8-bit normal only. Sprite 4: a missing id.
-// Sprite 5: id 9, 32-bit in 2x only. Sprite 6: id 10, a stream that decompresses past its size.
-const Image2 kNormal32 = Pixels(0x0B, 0, 9, 6, -4, -2, 1);
-const Image2 kIn4Mask = Pixels(0x07, 1, 20, 12, -10, -6, 2);
-const Image2 kNormal8 = Pixels(0x04, 0, 9, 6, -4, -2, 3);
-const Image2 kOnly8 = Pixels(0x04, 0, 5, 3, 0, 0, 4);
-const Image2 kIn2 = Pixels(0x03, 2, 7, 7, 1, 1, 5);
+// Sprite 5: id 9, 32-bit in 2x only. Sprite 6: id 10, 2 x 2 pixels from a stream of 2 + 3 bytes.
+const Image2 kNormal32 = grfw::RandomImage(0x0B, 0, 9, 6, -4, -2, 1);
+const Image2 kIn4Mask = grfw::RandomImage(0x07, 1, 20, 12, -10, -6, 2);
+const Image2 kNormal8 = grfw::RandomImage(0x04, 0, 9, 6, -4, -2, 3);
+const Image2 kOnly8 = grfw::RandomImage(0x04, 0, 5, 3, 0, 0, 4);
+const Image2 kIn2 = grfw::RandomImage(0x03, 2, 7, 7, 1, 1, 5);
 
 Bytes OwnFile() {
-  Bytes overrun = {0x04, 0};  // 2 x 2 pixels from a stream of 2 + 3 bytes
-  for (uint16_t word : {2, 2, 0, 0}) grfw::PutWord(overrun, word);
-  grfw::AddData(overrun, {1, 2});
-  grfw::AddOffset(overrun, 3, 1);
   return grfw::V2File(
       {grfw::V2Ref(7), grfw::V2Data(0xFF, {1, 2, 3}), grfw::V2Ref(8), grfw::V2Ref(99),
        grfw::V2Ref(9), grfw::V2Ref(10)},
       {grfw::V2Sprite(7, kNormal32), grfw::V2Sprite(7, kIn4Mask), grfw::V2Sprite(7, kNormal8),
-       grfw::V2Sprite(8, kOnly8), grfw::V2Sprite(9, kIn2), grfw::V2Raw(10, overrun)});
+       grfw::V2Sprite(8, kOnly8), grfw::V2Sprite(9, kIn2),
+       grfw::V2Raw(10, {0x04, 0, 2, 0, 2, 0, 0, 0, 0, 0, 2, 1, 2, 0xE8, 1})});
 }
 
 }  // namespace
@@ -112,39 +97,6 @@ TEST(Magnifier, ShortcutsScaleThePlacementAndActualSizeGivesBackTheSamePicture) 
   EXPECT_EQ(form->Magnification, 1);
   EXPECT_EQ(form->picSprite->Image(), actual);
   EXPECT_FALSE(form->mnuActualSize->isEnabled());
-}
-
-TEST(Version2, OpenGfxRowsTitlesAndTilePictures) {
-  const std::string path = "/usr/share/games/openttd/baseset/opengfx/ogfx1_base.grf";
-  uitest::StartedForm form;
-  form->FileName = path;
-  form->LoadGRF();
-  const FileReadResult file = ReadWholeFile(path);
-  GrfV2Index index;
-  ASSERT_EQ(IndexGrfV2(file.Bytes.data(), file.Bytes.size(), index, nullptr), GrfV2Result::Ok);
-  const auto count = int32_t(index.Sprites.size());
-  EXPECT_EQ(form->lvwSprite->ItemCount(), count);
-  EXPECT_EQ(form->scrSprite->Max(), count - 1);
-  // The first 50 tile-form sprites against their decoded indices.
-  for (int32_t v = 0, tiles = 0; v < count && tiles < 50; ++v) {
-    const GrfV2Sprite& s = index.Sprites[size_t(v)];
-    if (s.Default < 0 || !(index.Alternatives[size_t(s.Default)].Info & kV2Tile)) continue;
-    ++tiles;
-    form->scrSprite->SetValue(v);
-    ASSERT_EQ(Items(*form), "--X---|X-");
-    GrfV2Image decoded;
-    DecodeAlternative(file.Bytes.data(), file.Bytes.size(), index.Alternatives[size_t(s.Default)],
-                      decoded);
-    const Image2 im{4,
-                    0,
-                    uint16_t(decoded.Width),
-                    uint16_t(decoded.Height),
-                    int16_t(decoded.XOffset),
-                    int16_t(decoded.YOffset),
-                    decoded.Indices};
-    ASSERT_TRUE(Shows(*form, im, true)) << v;
-    ASSERT_EQ(std::stoi(form->lvwSprite->Item(v + 1).Texts[1]), decoded.Width);
-  }
 }
 
 TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefault) {
