@@ -107,38 +107,36 @@ TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefa
   EXPECT_EQ(uitest::ColumnTexts(*form, 4)[0], "00001011");
   EXPECT_EQ(form->Li->List(3), "Sprite 4 refers to id 99, which the file lacks");
 
-  // Sprite 1 shows its default: 32-bit normal, laid over the checkerboard.
-  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (9 x 6)");
-  EXPECT_EQ(Items(*form), "+-X---|+X");
-  EXPECT_TRUE(Shows(*form, kNormal32, false));
-
-  // Zoomed in 4x by its shortcut: a 32-bit picture with a mask, then the mask through the palette.
+  // The sprite shown, then a key with Ctrl (none: 0); the size in the caption, the items, and the
+  // picture with its alpha or through the palette. The chosen picture stays while browsing; sprites
+  // without it show their default.
   form->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
-  QTest::keyClick(form.Form.get(), Qt::Key_1, Qt::ControlModifier);
-  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (20 x 12)");
-  EXPECT_EQ(Caption(form->lblOffset), "-10 x -6");
-  EXPECT_EQ(Items(*form), "X-+---|+X mask");
-  EXPECT_TRUE(Shows(*form, kIn4Mask, false));
-  QTest::keyClick(form.Form.get(), Qt::Key_M, Qt::ControlModifier);
-  EXPECT_TRUE(Shows(*form, kIn4Mask, true));
-
-  // Sprites without that picture show their default; the choice comes back with sprite 1.
-  form->scrSprite->SetValue(2);
-  EXPECT_EQ(Items(*form), "--X---|X-");
-  EXPECT_TRUE(Shows(*form, kOnly8, true));
-  form->scrSprite->SetValue(4);
-  EXPECT_EQ(Items(*form), "-X----|-X");
-  form->scrSprite->SetValue(1);
-  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 2 (3 x 1)");
-  EXPECT_EQ(Items(*form), "------|--");
-  form->scrSprite->SetValue(0);
-  EXPECT_EQ(Caption(form.Form.get()), "Viewing sprite 1 (20 x 12)");
-
-  // 8 bpp, which zoomed in 4x lacks: the 8-bit picture at normal zoom.
-  QTest::keyClick(form.Form.get(), Qt::Key_7, Qt::ControlModifier);
-  EXPECT_EQ(Items(*form), "+-X---|X+");
-  EXPECT_TRUE(Shows(*form, kNormal8, true));
+  const struct {
+    int32_t Sprite;
+    int Key;
+    const char *Size, *Items;
+    const Image2* Picture;
+    bool Palette;
+  } steps[] = {
+      {0, 0, "9 x 6", "+-X---|+X", &kNormal32, false},  // over the checkerboard
+      {0, Qt::Key_1, "20 x 12", "X-+---|+X mask", &kIn4Mask, false},
+      {0, Qt::Key_M, "20 x 12", "X-+---|+X mask", &kIn4Mask, true},
+      {2, 0, "5 x 3", "--X---|X-", &kOnly8, true},
+      {4, 0, "7 x 7", "-X----|-X", &kIn2, false},
+      {1, 0, "3 x 1", "------|--", nullptr, false},
+      {0, 0, "20 x 12", "X-+---|+X mask", &kIn4Mask, true},
+      {0, Qt::Key_7, "9 x 6", "+-X---|X+", &kNormal8, true},  // 8 bpp, which in 4x lacks
+  };
+  for (const auto& s : steps) {
+    form->scrSprite->SetValue(s.Sprite);
+    if (s.Key != 0) QTest::keyClick(form.Form.get(), Qt::Key(s.Key), Qt::ControlModifier);
+    SCOPED_TRACE(std::to_string(s.Sprite) + " " + s.Items);
+    EXPECT_EQ(Caption(form.Form.get()),
+              "Viewing sprite " + std::to_string(s.Sprite + 1) + " (" + s.Size + ")");
+    EXPECT_EQ(Items(*form), s.Items);
+    EXPECT_TRUE(s.Picture == nullptr || Shows(*form, *s.Picture, s.Palette));
+  }
 
   // A stream that cannot be decoded is told once however often it is shown, and the area stays
   // blank beside its facts.
