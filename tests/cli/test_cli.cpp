@@ -38,16 +38,22 @@ Bytes Kinds() {
 
 // Version 2. Sprite 1: three alternatives of id 1, one of them tile form wider than 256; 2: a
 // pseudo-sprite; 3: only 32-bit, none at normal zoom; 4: an id the file lacks; 5: a stream that
-// ends too soon.
+// ends too soon; 6: only 8-bit, none at normal zoom; 7: 32-bit in4 and out2; 8: id 1 again; 9: an
+// entry that holds no image. Id 9 is never used; the sprite section is not in id order.
 Bytes Version2() {
   using grfw::V2Ref, grfw::V2Sprite;
   const auto Random = grfw::RandomImage;
   return grfw::V2File(
-      {V2Ref(1), grfw::V2Data(0xFF, {9, 8, 7}), V2Ref(2), V2Ref(99), V2Ref(3)},
-      {V2Sprite(1, Random(0x04, 0, 5, 3, -2, 1, 2)), V2Sprite(1, Random(0x07, 0, 4, 2, 0, 0, 3)),
+      {V2Ref(1), grfw::V2Data(0xFF, {9, 8, 7}), V2Ref(2), V2Ref(99), V2Ref(3), V2Ref(7), V2Ref(4),
+       V2Ref(1), V2Ref(6)},
+      {V2Sprite(7, Random(0x04, 1, 2, 2, 0, 0, 7)), V2Sprite(7, Random(0x04, 3, 2, 2, 0, 0, 8)),
+       V2Sprite(7, Random(0x04, 2, 2, 2, 0, 0, 9)), V2Sprite(9, Random(0x04, 0, 2, 2, 0, 0, 10)),
+       V2Sprite(1, Random(0x04, 0, 5, 3, -2, 1, 2)), V2Sprite(1, Random(0x07, 0, 4, 2, 0, 0, 3)),
        V2Sprite(1, Random(0x0B, 1, 300, 2, -150, -1, 4)),
        V2Sprite(2, Random(0x01, 2, 6, 6, 3, 3, 5)), V2Sprite(2, Random(0x0D, 3, 3, 3, 0, 0, 6)),
-       grfw::V2Raw(3, {0x04, 0, 2, 0, 2, 0, 0, 0, 0, 0, 1, 7})});
+       grfw::V2Raw(3, {0x04, 0, 2, 0, 2, 0, 0, 0, 0, 0, 1, 7}),
+       V2Sprite(4, Random(0x01, 1, 2, 2, 0, 0, 11)), V2Sprite(4, Random(0x07, 3, 2, 2, 0, 0, 12)),
+       grfw::V2Raw(6, {0xFF, 1, 2, 3})});
 }
 
 // The command, what it printed and its exit status; whether a PNG it was asked for is there.

@@ -90,27 +90,6 @@ TEST(GrfV2, EveryImageKindDecodesToItsPixels) {
   }
 }
 
-TEST(GrfV2, IdsAndTheDefaultAlternative) {
-  auto alt = [](uint32_t id, uint8_t info, uint8_t zoom) {
-    return grfw::V2Sprite(id, grfw::RandomImage(info, zoom, 4, 4, 0, 0, id));
-  };
-  // Ids out of order, 9 never used, 3 used twice; 5 only 32-bit and none at normal zoom.
-  const Opened o =
-      Open(grfw::V2File({grfw::V2Ref(3), grfw::V2Data(0xFF, {1, 2}), grfw::V2Ref(7), grfw::V2Ref(3),
-                         grfw::V2Ref(5), grfw::V2Ref(6)},
-                        {alt(7, 0x04, kZoomIn4), alt(7, 0x04, kZoomOut2), alt(7, 0x04, kZoomIn2),
-                         alt(3, 0x04, kZoomNormal), alt(3, 0x03, kZoomNormal),
-                         alt(3, 0x03, kZoomIn4), alt(9, 0x04, kZoomNormal), alt(5, 0x01, kZoomIn4),
-                         alt(5, 0x07, kZoomOut2), grfw::V2Raw(6, {0xFF, 1, 2, 3})}));
-  ASSERT_EQ(o.Index.End, GrfV2Result::Ok);
-  std::vector<std::string> defaults;
-  for (const GrfV2Sprite& s : o.Index.Sprites)
-    defaults.push_back(s.Default < 0 ? "-" : AlternativeName(o.Index.Alternatives[s.Default]));
-  EXPECT_EQ(defaults, (std::vector<std::string>{"32bpp normal", "-", "8bpp in2", "32bpp normal",
-                                                "32bpp out2", "data"}));
-  EXPECT_EQ(AlternativeNames(o.Index, o.Index.Sprites[3]), "8bpp normal, 32bpp normal, 32bpp in4");
-}
-
 TEST(GrfV2, DamagedFilesSayWhatAndKeepTheRest) {
   auto file = [](const std::vector<Bytes>& data, std::vector<Bytes> sprites) {
     sprites.insert(sprites.begin(), grfw::V2Sprite(1, Image2{0x04, 0, 1, 1, 0, 0, {7}}));
