@@ -218,12 +218,7 @@ inline Bytes TileData(const Image2& im) {
     return x < im.width && std::any_of(p, p + ps, [](uint8_t b) { return b != 0; });
   };
   auto head = [&](Bytes& to, size_t n, size_t x) {
-    if (wide) {
-      PutWord(to, static_cast<uint16_t>(n));
-      PutWord(to, static_cast<uint16_t>(x));
-    } else {
-      to.insert(to.end(), {static_cast<uint8_t>(n), static_cast<uint8_t>(x)});
-    }
+    for (size_t v : {n, x}) wide ? PutWord(to, uint16_t(v)) : to.push_back(uint8_t(v));
   };
   std::vector<size_t> starts;
   Bytes body;
@@ -244,11 +239,8 @@ inline Bytes TileData(const Image2& im) {
   const size_t entry = im.height * 2 + body.size() >= 65536 ? 4 : 2;
   Bytes out;
   for (size_t start : starts) {
-    const uint32_t at = static_cast<uint32_t>(im.height * entry + start);
-    if (entry == 4)
-      PutLong(out, at);
-    else
-      PutWord(out, static_cast<uint16_t>(at));
+    const auto at = static_cast<uint32_t>(im.height * entry + start);
+    entry == 4 ? PutLong(out, at) : PutWord(out, static_cast<uint16_t>(at));
   }
   Append(out, body);
   return out;

@@ -109,14 +109,6 @@ inline grfw::Bytes FiveSprites() {
                      grfw::PlainSprite(1, 1, {9}, 0, 0, 0x10), grfw::RunSprite(64, rows, -31, 0)});
 }
 
-// The texts of one column of the sprite list, in the order shown.
-inline std::vector<std::string> ColumnTexts(const frmMain& form, size_t column) {
-  std::vector<std::string> texts;
-  for (int32_t i = 1; i <= form.lvwSprite->ItemCount(); ++i)
-    texts.push_back(form.lvwSprite->Item(i).Texts[column]);
-  return texts;
-}
-
 // The colour that palette index i shows.
 inline QColor PaletteColour(const frmMain& form, int i) {
   const auto& p = form.Palette;
