@@ -73,33 +73,8 @@ Bytes OwnFile() {
 
 }  // namespace
 
-TEST(Magnifier, ShortcutsScaleThePlacementAndActualSizeGivesBackTheSamePicture) {
-  uitest::StartedForm form;
-  form.Load("five.grf", uitest::FiveSprites());
-  EXPECT_EQ(Items(*form), "--X---|X-");  // a version-1 sprite: normal zoom, 8 bpp
-  form->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
-  const QImage actual = form->picSprite->Image().copy();
-
-  const Image2 sprite1{4, 0, 2, 2, -2, 1, {0x40, 0x50, 0xA0, 0xC5}};
-  QTest::keyClick(form.Form.get(), Qt::Key_Plus, Qt::ControlModifier);
-  EXPECT_EQ(form->Magnification, 2);
-  EXPECT_TRUE(Shows(*form, sprite1, true));
-  for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
-  EXPECT_EQ(form->Magnification, 16);
-  EXPECT_FALSE(form->mnuZoomIn->isEnabled());
-  QTest::keyClick(form.Form.get(), Qt::Key_Minus, Qt::ControlModifier);
-  EXPECT_EQ(form->Magnification, 12);
-  form->scrSprite->SetValue(1);  // an action sprite offers no picture to choose
-  EXPECT_EQ(Items(*form), "------|--");
-  form->scrSprite->SetValue(0);
-  QTest::keyClick(form.Form.get(), Qt::Key_0, Qt::ControlModifier);
-  EXPECT_EQ(form->Magnification, 1);
-  EXPECT_EQ(form->picSprite->Image(), actual);
-  EXPECT_FALSE(form->mnuActualSize->isEnabled());
-}
-
-TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefault) {
+TEST(Version2,
+     TheChosenPictureAndMagnificationStayWhileBrowsingAndEachSpriteFallsBackToItsDefault) {
   uitest::StartedForm form;
   form.Load("own2.grf", OwnFile());
   std::string widths;  // and the first one's flags
@@ -107,9 +82,9 @@ TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefa
   EXPECT_EQ(widths + form->lvwSprite->Item(1).Texts[4], "009 003 005 000 007 002 00001011");
   EXPECT_EQ(form->Li->List(3), "Sprite 4 refers to id 99, which the file lacks");
 
-  // The sprite shown, then a key with Ctrl (none: 0); the size in the caption, the items, and the
-  // picture with its alpha or through the palette. The chosen picture stays while browsing; sprites
-  // without it show their default.
+  // The sprite shown, then a key with Ctrl (none: 0); the size in the caption, the items, the
+  // magnification, and the picture with its alpha or through the palette. The chosen picture stays
+  // while browsing; sprites without it show their default.
   form->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
   const struct {
@@ -118,15 +93,19 @@ TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefa
     const char *Size, *Items;
     const Image2* Picture;
     bool Palette;
+    int32_t Magnification;
   } steps[] = {
-      {0, 0, "9 x 6", "+-X---|+X", &kNormal32, false},  // over the checkerboard
-      {0, Qt::Key_1, "20 x 12", "X-+---|+X mask", &kIn4Mask, false},
-      {0, Qt::Key_M, "20 x 12", "X-+---|+X mask", &kIn4Mask, true},
-      {2, 0, "5 x 3", "--X---|X-", &kOnly8, true},
-      {4, 0, "7 x 7", "-X----|-X", &kIn2, false},
-      {1, 0, "3 x 1", "------|--", nullptr, false},
-      {0, 0, "20 x 12", "X-+---|+X mask", &kIn4Mask, true},
-      {0, Qt::Key_7, "9 x 6", "+-X---|X+", &kNormal8, true},  // 8 bpp, which in 4x lacks
+      {0, 0, "9 x 6", "+-X---|+X", &kNormal32, false, 1},  // over the checkerboard
+      {0, Qt::Key_Plus, "9 x 6", "+-X---|+X", &kNormal32, false, 2},
+      {0, Qt::Key_1, "20 x 12", "X-+---|+X mask", &kIn4Mask, false, 2},
+      {0, Qt::Key_M, "20 x 12", "X-+---|+X mask", &kIn4Mask, true, 2},
+      {2, 0, "5 x 3", "--X---|X-", &kOnly8, true, 2},
+      {4, Qt::Key_Equal, "7 x 7", "-X----|-X", &kIn2, false, 3},
+      {1, 0, "3 x 1", "------|--", nullptr, false, 3},
+      {0, 0, "20 x 12", "X-+---|+X mask", &kIn4Mask, true, 3},
+      {0, Qt::Key_7, "9 x 6", "+-X---|X+", &kNormal8, true, 3},  // 8 bpp, which in 4x lacks
+      {0, Qt::Key_Minus, "9 x 6", "+-X---|X+", &kNormal8, true, 2},
+      {0, Qt::Key_0, "9 x 6", "+-X---|X+", &kNormal8, true, 1},
   };
   for (const auto& s : steps) {
     form->scrSprite->SetValue(s.Sprite);
@@ -135,8 +114,13 @@ TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefa
     EXPECT_EQ(Caption(form.Form.get()),
               "Viewing sprite " + std::to_string(s.Sprite + 1) + " (" + s.Size + ")");
     EXPECT_EQ(Items(*form), s.Items);
+    EXPECT_EQ(form->Magnification, s.Magnification);
+    EXPECT_EQ(form->mnuActualSize->isEnabled(), s.Magnification != 1);
     EXPECT_TRUE(s.Picture == nullptr || Shows(*form, *s.Picture, s.Palette));
   }
+  for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
+  EXPECT_EQ(form->Magnification, 16);
+  EXPECT_FALSE(form->mnuZoomIn->isEnabled());
 
   // A stream that cannot be decoded is told once however often it is shown, and the area stays
   // blank beside its facts.
@@ -147,6 +131,8 @@ TEST(Version2, TheChosenPictureStaysWhileBrowsingAndEachSpriteFallsBackToItsDefa
   EXPECT_EQ(form->Li->List(0).rfind("Sprite 6: The image stream of id 10 ", 0), 0u);
   EXPECT_EQ(form->picSprite->Image().pixelColor(165, 159), QColor(Qt::white));
   EXPECT_TRUE(form.Boxes.Boxes.empty());
+  form.Load("five.grf", uitest::FiveSprites());
+  EXPECT_EQ(Items(*form), "--X---|X-");  // a version-1 sprite: normal zoom, 8 bpp
 }
 
 TEST(Version2, MoreSpritesThanVersionOneCanHold) {
