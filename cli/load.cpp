@@ -44,8 +44,8 @@ int LoadForCli(const std::string& fileName, CliLoad& load) {
 
 int32_t SpriteCount(const CliLoad& load) {
   if (load.V2) return static_cast<int32_t>(load.Index.Sprites.size());
-  // The sprites decoded, as the window's scroll bar counts them; entries behind are never shown.
-  return load.Outcome.Totals.Count;
+  // The loader keeps exactly the sprites it decoded.
+  return static_cast<int32_t>(load.Store.SpriteTable.size());
 }
 
 bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& wish,

@@ -79,13 +79,12 @@ int ShowV2(const CliLoad& load, int32_t index, int32_t alternative, const std::s
     }
   }
   if (png == nullptr) return kExitOk;
+  QImage bitmap = ImageBitmap(picture, palette);
   if (!image && (a != nullptr || s.Info != kV2Reference)) {
     const int64_t from = a != nullptr ? a->StreamOffset : s.DataOffset;
-    picture.Width = static_cast<int32_t>(f.Width);
-    picture.Height = 1;
-    picture.Indices.assign(load.Bytes.begin() + from, load.Bytes.begin() + from + f.Width);
+    bitmap = IndexedPicture(load.Bytes.data() + from, f.Width, 1, palette);
   }
-  return WritePng(ImageBitmap(picture, palette), index, f.Width, f.Height, *png);
+  return WritePng(bitmap, index, f.Width, f.Height, *png);
 }
 
 }  // namespace

@@ -41,12 +41,6 @@ SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int
   return p;
 }
 
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
-                            int32_t magnification) {
-  return PlacePicture(r.Width, r.Height, r.XOffset, r.YOffset, freeWidth, areaHeight,
-                      magnification);
-}
-
 QList<QRgb> PaletteColours(const PaletteBuffer& palette) {
   QList<QRgb> colours(256);
   for (int i = 0; i < 256; ++i)
@@ -128,17 +122,16 @@ QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
 
 QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
   const size_t cells = static_cast<size_t>(std::max(image.Width, 0)) * std::max(image.Height, 0);
-  const bool rgba = !image.Rgba.empty();
-  if (cells == 0 || (rgba ? image.Rgba.size() != 4 * cells : image.Indices.size() != cells))
-    return QImage();
-  QImage bitmap(image.Width, image.Height,
-                rgba ? QImage::Format_RGBA8888 : QImage::Format_Indexed8);
+  if (image.Rgba.empty()) {
+    if (image.Indices.size() != cells) return QImage();
+    return IndexedPicture(image.Indices.data(), image.Width, image.Height, palette);
+  }
+  if (cells == 0 || image.Rgba.size() != 4 * cells) return QImage();
+  QImage bitmap(image.Width, image.Height, QImage::Format_RGBA8888);
   if (bitmap.isNull()) return bitmap;
-  const size_t row = rgba ? 4 * static_cast<size_t>(image.Width) : image.Width;
-  const uint8_t* from = rgba ? image.Rgba.data() : image.Indices.data();
+  const size_t row = 4 * static_cast<size_t>(image.Width);
   for (int32_t y = 0; y < image.Height; ++y)
-    std::memcpy(bitmap.scanLine(y), from + row * static_cast<size_t>(y), row);
-  if (!rgba) bitmap.setColorTable(PaletteColours(palette));
+    std::memcpy(bitmap.scanLine(y), image.Rgba.data() + row * static_cast<size_t>(y), row);
   return bitmap;
 }
 

@@ -18,8 +18,6 @@ struct SpritePlacement {
   int32_t X = 0;
   int32_t Y = 0;
 };
-SpritePlacement PlaceSprite(const SpriteRecord& r, double freeWidth, double areaHeight,
-                            int32_t magnification = 1);
 SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
                              double freeWidth, double areaHeight, int32_t magnification);
 

@@ -204,10 +204,14 @@ void ResolveReferences(Indexer& ix, std::vector<IdGroup>& groups) {
 constexpr int32_t kZoomRank[kZoomLevels] = {0, 3, 1, 2, 4, 5};
 const char* const kZoomNames[kZoomLevels] = {"normal", "in4", "in2", "out2", "out4", "out8"};
 
+// Bytes of the alternative's picture: every cell with every layer it has.
+int64_t PictureBytes(const GrfV2Alternative& a) {
+  return static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+}
+
 // Bytes the alternative's stream decompresses to.
 int64_t DecodedSize(const GrfV2Alternative& a) {
-  if (a.Info & kV2Tile) return a.TileSize;
-  return static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+  return (a.Info & kV2Tile) ? a.TileSize : PictureBytes(a);
 }
 
 // n pixels of the present layers from `from` into the image from cell `cell` on.
@@ -452,7 +456,7 @@ GrfV2Facts SpriteFacts(const GrfV2Index& index, const GrfV2Sprite& s, int32_t al
   }
   f.Width = a.Width;
   f.Height = a.Height;
-  f.Size = static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+  f.Size = PictureBytes(a);
   f.Compressed = a.StreamSize;
   f.XOffset = a.XOffset;
   f.YOffset = a.YOffset;
@@ -468,9 +472,7 @@ GrfV2Totals IndexTotals(const GrfV2Index& index) {
   }
   for (const GrfV2Alternative& a : index.Alternatives) {
     t.Compressed += a.StreamSize;
-    t.Decompressed += a.Info == kV2Pseudo
-                          ? a.StreamSize
-                          : static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
+    t.Decompressed += a.Info == kV2Pseudo ? a.StreamSize : PictureBytes(a);
   }
   return t;
 }
@@ -481,7 +483,7 @@ GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alt
   if (a.Info == kV2Pseudo) return GrfV2Result::NotAnImage;
   const int64_t cells = static_cast<int64_t>(a.Width) * a.Height;
   const int64_t decoded = DecodedSize(a);
-  if (cells * V2PixelSize(a.Info) > kV2MaxImageBytes || decoded > kV2MaxImageBytes)
+  if (PictureBytes(a) > kV2MaxImageBytes || decoded > kV2MaxImageBytes)
     return GrfV2Result::TooLarge;
   if (!Fits(a.StreamOffset, a.StreamSize, static_cast<int64_t>(length)))
     return GrfV2Result::StreamShort;

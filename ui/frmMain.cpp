@@ -79,6 +79,10 @@ void frmMain::Form_Unload() {
 void frmMain::EraseStores() {
   Store.SpriteData.clear();
   Store.SpriteTable = {};
+  CloseVersion2();
+}
+
+void frmMain::CloseVersion2() {
   Version2 = false;
   FileData = {};
   V2 = GrfV2Index{};
@@ -138,9 +142,7 @@ void frmMain::LoadGRF() {
   }
   setEnabled(false);
   // A version-1 file replaces the version-2 file that was open, if any.
-  Version2 = false;
-  FileData = {};
-  V2 = GrfV2Index{};
+  CloseVersion2();
 
   SetCaption(this, "Getting number of sprites...");
   DoEvents();

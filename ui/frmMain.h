@@ -185,6 +185,8 @@ class frmMain : public QMainWindow {
   // Alternatives whose failure to decode has been reported, so that browsing says it once.
   std::vector<bool> reported_;
   void EraseStores();
+  // Lets go of the version-2 file and its index, if one is open.
+  void CloseVersion2();
   // What Open and Save As do first: the dialog object, its folder and its owner.
   void PrepareFileDialog();
   void AddMessage(const std::string& text);
