@@ -8,6 +8,7 @@
 
 #include "grf.h"
 #include "grf2.h"
+#include "palette.h"
 
 // Exit statuses.
 constexpr int kExitOk = 0;
@@ -44,6 +45,10 @@ struct CommandArgs {
 };
 CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
                          const std::vector<std::string>& options);
+
+// The palette named by --palette, or without one (nullptr) the one beside the program, as the
+// window reads it at its start; prints the refusal and gives false when it cannot be read.
+bool LoadCliPalette(const std::string* named, PaletteBuffer& palette);
 
 // True for a text that reads as a whole number (a number out of range included).
 bool IsSpriteNumberText(const std::string& text);

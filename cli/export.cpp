@@ -341,14 +341,9 @@ int CmdExport(const std::vector<std::string>& args) {
   const std::string fileName = positional[0].toLocal8Bit().toStdString();
   const QString dirName = positional[1];
 
-  const std::string palettePath = parser.isSet(paletteOption)
-                                      ? parser.value(paletteOption).toLocal8Bit().toStdString()
-                                      : JoinPath(ProgramFolder(), kPaletteFileName);
   PaletteBuffer palette{};
-  if (LoadPalette(palettePath, palette) == 0) {
-    std::fprintf(stderr, "%s\n", kMsgBadPalette);
-    return kExitFailure;
-  }
+  const std::string named = parser.value(paletteOption).toLocal8Bit().toStdString();
+  if (!LoadCliPalette(parser.isSet(paletteOption) ? &named : nullptr, palette)) return kExitFailure;
 
   CliLoad load;
   if (LoadForCli(fileName, load) != kExitOk) return kExitFailure;

@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "fileio.h"
+#include "palette.h"
 #include "text.h"
 
 namespace {
@@ -70,5 +71,12 @@ bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& 
   std::fprintf(stderr, "vossel-cli: sprite %d has no %s alternative; it has: %s\n",
                static_cast<int>(index + 1), wanted.c_str(),
                present.empty() ? "none" : present.c_str());
+  return false;
+}
+
+bool LoadCliPalette(const std::string* named, PaletteBuffer& palette) {
+  const std::string path = named ? *named : JoinPath(ProgramFolder(), kPaletteFileName);
+  if (LoadPalette(path, palette) != 0) return true;
+  std::fprintf(stderr, "%s\n", kMsgBadPalette);
   return false;
 }

@@ -104,15 +104,9 @@ int CmdSprite(const std::vector<std::string>& args) {
   // As at the window's start: the palette beside the program unless another is named. It is
   // read only when it is used or named.
   PaletteBuffer palette{};
-  if (wantPng || ownPalette != parsed.Values.end()) {
-    const std::string palettePath = ownPalette != parsed.Values.end()
-                                        ? ownPalette->second
-                                        : JoinPath(ProgramFolder(), kPaletteFileName);
-    if (LoadPalette(palettePath, palette) == 0) {
-      std::fprintf(stderr, "%s\n", kMsgBadPalette);
-      return kExitFailure;
-    }
-  }
+  const bool named = ownPalette != parsed.Values.end();
+  if ((wantPng || named) && !LoadCliPalette(named ? &ownPalette->second : nullptr, palette))
+    return kExitFailure;
 
   CliLoad load;
   if (LoadForCli(args[0], load) != kExitOk) return kExitFailure;
