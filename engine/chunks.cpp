@@ -6,101 +6,50 @@
 
 #include "fileio.h"
 #include "grf.h"
+#include "reader.h"
+#include "records.h"
 #include "text.h"
 
 namespace {
 
-// Bytes a chunk decodes to, and bytes it takes in the file.
-int32_t ChunkLength(uint8_t c) {
-  if (c & 0x80) return 32 - (c >> 3);
-  return (c & 0x7F) ? (c & 0x7F) : 128;
-}
-int32_t ChunkStep(uint8_t c) {
-  return (c & 0x80) ? 2 : ChunkLength(c) + 1;
-}
-
 // A new record: the tables take exactly i + 1 entries, and entry i is the new record's.
-void EnterRecord(ChunkScan& scan, int32_t i, uint8_t flags, int32_t offset) {
+void EnterRecord(ChunkScan& scan, int32_t i, uint8_t flags, int64_t offset) {
   const size_t n = static_cast<size_t>(i) + 1;
   scan.SpriteOffset.resize(n);
   scan.SpriteSize.resize(n);
   scan.SpriteFlags.resize(n);
   scan.SpriteFlags[i] = flags;
-  scan.SpriteOffset[i] = offset;
+  scan.SpriteOffset[i] = static_cast<int32_t>(offset);
   scan.SpriteSize[i] = 0;
 }
 
-// The walk over the records. Positions are held wider than the file's 32 bits so that no sum can
-// wrap; every read is checked against FileLength first. A record that cannot be taken in whole
-// ends the walk with the message and the sprites before it, as a stream that passes its size does.
+// The walk over the records into the tables. A refused record gets its entry too, as the last.
 ScanOutcome WalkRecords(ChunkScan& scan) {
-  const uint8_t* f = scan.FileData.data();
-  const int64_t length = scan.FileLength;
-  int64_t p = 0;
   int32_t i = 0;
-  auto refuse = [&i] {
-    return ScanOutcome{ScanEnd::InvalidStream, static_cast<int16_t>(i), kMsgOutOfBuffer};
-  };
-
-  while (p < length) {
-    // A lone last byte: a zero one is an end word cut short, any other a head that is not there.
-    if (p + 1 >= length) {
-      if (f[p] == 0) break;
-      return refuse();
-    }
-    const int16_t word = static_cast<int16_t>(f[p] | (f[p + 1] << 8));
-    if (word == 0) break;
-    if (p + 2 >= length) return refuse();  // a head without its flags byte
-    // The index is 16 bits: a 32,768th sprite cannot be entered.
-    if (i == kMaxSprites) return refuse();
-    const uint8_t flags = f[p + 2];
-
-    if (flags == kActionFlags) {
-      EnterRecord(scan, i, flags, static_cast<int32_t>(p + 3));
-      scan.SpriteSize[i] = word;
-      // A negative word would step back. Data that runs past the end of the file ends the walk at
-      // the loop's head like any other last record; its line reads nothing of FileData.
-      if (word < 0) return refuse();
-      p += 3 + word;
-    } else {
-      EnterRecord(scan, i, flags, static_cast<int32_t>(p + 10));
-      if (p + 10 > length) return refuse();  // header cut by the end of the file
-      const int32_t height = f[p + 3];
-      const int32_t width = f[p + 5] * 256 + f[p + 4];
-      // Negative words would step back; they include 32,768 to 32,775, which cannot be reduced
-      // by 8 in 16 bits.
-      if (word < 0) return refuse();
-      const int32_t streamSize = word - 8;
-      p += 10;
-      if (flags & kStoredSizeFlag) {
-        // The stream is stepped over, not walked: a word of 1 to 7 moves the position by L + 2
-        // all the same, and a stream past the end of the file ends the walk at the loop's head.
-        scan.SpriteSize[i] = width * height;
-        p += streamSize;
-      } else {
-        // Below 8 the word cannot count the header: the first chunk overshoots.
-        if (streamSize < 0) return refuse();
-        int32_t count = 0;
-        while (count != streamSize) {
-          if (p >= length) return refuse();  // the stream runs past the end of the file
-          const uint8_t c = f[p];
-          count += ChunkLength(c);
-          p += ChunkStep(c);
-          if (count > streamSize) return refuse();
-        }
-        if (p > length) return refuse();  // its last data chunk does
-        scan.SpriteSize[i] = streamSize;
-      }
-    }
-    ++i;
-  }
+  const WalkOutcome walk = WalkRecords(Reader{scan.FileData.data(), scan.FileLength}, kScannerRules,
+                                       kMaxSprites, [&scan, &i](const WalkedRecord& r) {
+                                         EnterRecord(scan, i, r.Head.Flags, r.Body);
+                                         const int32_t word = r.Head.Word;
+                                         // A stored-size sprite lists until its picture is full,
+                                         // any other until its stream is.
+                                         if (r.Head.Kind == HeadKind::Action)
+                                           scan.SpriteSize[i] = word;
+                                         else if (!r.Refused && (r.Head.Flags & kStoredSizeFlag))
+                                           scan.SpriteSize[i] =
+                                               static_cast<uint16_t>(r.Head.Width) * r.Head.Height;
+                                         else if (!r.Refused)
+                                           scan.SpriteSize[i] = word - 8;
+                                         ++i;
+                                       });
+  if (walk.Refused)
+    return ScanOutcome{ScanEnd::InvalidStream, static_cast<int16_t>(walk.Count), kMsgOutOfBuffer};
   // A file with no record leaves no tables, not the earlier file's.
-  if (i == 0) {
+  if (walk.Count == 0) {
     scan.SpriteOffset.clear();
     scan.SpriteSize.clear();
     scan.SpriteFlags.clear();
   }
-  return ScanOutcome{ScanEnd::Complete, static_cast<int16_t>(i), std::string()};
+  return ScanOutcome{ScanEnd::Complete, static_cast<int16_t>(walk.Count), std::string()};
 }
 
 // Entries that the three tables all hold.
@@ -170,42 +119,68 @@ bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) 
   return NextChunkLineIn(scan.FileData.data(), scan.FileData.size(), cursor, line);
 }
 
-bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line) {
+bool NextChunk(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkRecord& chunk) {
   if (cursor.Done) return false;
   cursor.Done = true;
+  chunk = ChunkRecord{};
+  chunk.Position = cursor.P;
+  chunk.Decoded = cursor.C;
   if (cursor.Action) {
-    line.ItemData = cursor.P;
-    line.Text = "Action sprite, " + std::to_string(cursor.S) + " bytes";
+    chunk.Kind = ChunkKind::Action;
+    chunk.Length = cursor.S;
     return true;
   }
 
   const int64_t end = std::min<int64_t>(static_cast<int64_t>(length), cursor.End);
-  auto inStream = [end](int64_t position) { return position >= 0 && position < end; };
+  const Reader stream{bytes, end};
   const int64_t p = cursor.P;
-  if (!inStream(p)) return false;
-  const uint8_t c = bytes[p];
-  const int32_t n = ChunkLength(c);
-  line.ItemData = cursor.P;
+  uint8_t c = 0, low = 0;
+  if (!U8(stream, p, c)) return false;
+  chunk.Length = ChunkLength(c);
   if (c & 0x80) {
-    if (!inStream(p + 1)) return false;  // no distance to tell a position from
-    const int32_t distance = ((c & 7) << 8) | bytes[p + 1];
-    line.Text = "Offset chunk, " + std::to_string(n) + " bytes of data from position " +
-                std::to_string(cursor.C - distance);
+    if (!U8(stream, p + 1, low)) return false;  // no distance to tell a position from
+    chunk.Kind = ChunkKind::Offset;
+    chunk.Distance = ((c & 7) << 8) | low;
   } else {
-    line.Text = "Data chunk of " + std::to_string(n) + " bytes,";
-    line.Text.reserve(line.Text.size() + 3 * static_cast<size_t>(n));
-    for (int64_t k = p + 1; k <= p + n && inStream(k); ++k) {
-      line.Text += ' ';
-      line.Text += ByteToHex(bytes[k]);
-    }
+    // A data chunk cut by the end shows the bytes that are there.
+    chunk.Kind = ChunkKind::Data;
+    const int64_t n = std::clamp<int64_t>(end - (p + 1), 0, chunk.Length);
+    chunk.Bytes.assign(bytes + p + 1, bytes + p + 1 + n);
   }
 
   const int64_t next = p + ChunkStep(c);
-  const int64_t count = static_cast<int64_t>(cursor.C) + n;
+  const int64_t count = static_cast<int64_t>(cursor.C) + chunk.Length;
   cursor.C = static_cast<int32_t>(std::min<int64_t>(count, std::numeric_limits<int32_t>::max()));
-  // Equality ends the list as complete, a count beyond S ends it with this line.
-  cursor.Done = count >= cursor.S || !inStream(next);
+  // Equality ends the list as complete, a count beyond S ends it with this chunk.
+  cursor.Done = count >= cursor.S || !Fits(next, 1, end);
   if (!cursor.Done) cursor.P = static_cast<int32_t>(next);
+  return true;
+}
+
+std::string ChunkText(const ChunkRecord& chunk) {
+  switch (chunk.Kind) {
+    case ChunkKind::Action:
+      return "Action sprite, " + std::to_string(chunk.Length) + " bytes";
+    case ChunkKind::Offset:
+      return "Offset chunk, " + std::to_string(chunk.Length) + " bytes of data from position " +
+             std::to_string(int64_t{chunk.Decoded} - chunk.Distance);
+    case ChunkKind::Data:
+      break;
+  }
+  std::string text = "Data chunk of " + std::to_string(chunk.Length) + " bytes,";
+  text.reserve(text.size() + 3 * chunk.Bytes.size());
+  for (const uint8_t b : chunk.Bytes) {
+    text += ' ';
+    text += ByteToHex(b);
+  }
+  return text;
+}
+
+bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line) {
+  ChunkRecord chunk;
+  if (!NextChunk(bytes, length, cursor, chunk)) return false;
+  line.ItemData = static_cast<int32_t>(chunk.Position);
+  line.Text = ChunkText(chunk);
   return true;
 }
 

@@ -84,6 +84,25 @@ ChunkCursor StartChunkList(const ChunkScan& scan, int32_t v);
 // that are there and ends the list; an offset chunk without its second byte shows no line.
 bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line);
 
+// One chunk of the list as data: what the viewer's line says, in numbers.
+enum class ChunkKind : uint8_t { Data, Offset, Action };
+struct ChunkRecord {
+  ChunkKind Kind = ChunkKind::Data;
+  int64_t Position = 0;        // the control byte, or an action sprite's first data byte
+  int32_t Length = 0;          // bytes it decodes to; an action sprite's data bytes
+  int32_t Distance = 0;        // an offset chunk's distance back
+  int32_t Decoded = 0;         // bytes the chunks before it decode to
+  std::vector<uint8_t> Bytes;  // a data chunk's bytes, as far as the stream holds them
+};
+
+// The chunk at cursor.P as a record, moving the cursor behind it; false when the list is over.
+// Reads nothing at or behind min(length, cursor.End).
+bool NextChunk(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkRecord& chunk);
+
+// The viewer's line for a chunk: "Data chunk of N bytes, 0A 0B", "Offset chunk, N bytes of data
+// from position P", "Action sprite, N bytes".
+std::string ChunkText(const ChunkRecord& chunk);
+
 // The line rule itself, on any buffer: the line at cursor.P, reading nothing at or behind
 // min(length, cursor.End). An action cursor gives its one line, "Action sprite, S bytes" at P.
 bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line);

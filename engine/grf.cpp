@@ -8,77 +8,19 @@
 
 namespace {
 
-inline int16_t ReadInt16(const uint8_t* p) {
-  return static_cast<int16_t>(static_cast<uint16_t>(p[0] | (p[1] << 8)));
-}
-
 inline void Report(const MessageFn& message) {
   if (message) message(kMsgOutOfBuffer);
-}
-
-// What stands at a record's head: 0 ends the records, -1 means the head does not fit the file.
-// A lone byte at the end cannot hold a length word and counts as a cut record.
-inline int32_t HeadWord(const uint8_t* file, int32_t length, int32_t pos) {
-  if (length - pos < 2) return -1;
-  const int16_t word = ReadInt16(file + pos);
-  if (word == 0) return 0;
-  return length - pos < 3 ? -1 : 1;
 }
 
 }  // namespace
 
 int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message) {
-  int32_t pos = 0;
-  int32_t count = 0;
-  while (pos < length) {
-    const int32_t head = HeadWord(file, length, pos);
-    if (head == 0) break;
-    // Every way a record cannot be taken in ends the count with the one message; the sprites
-    // before it are loaded as usual.
-    if (head < 0 || count == kMaxSprites) {
-      Report(message);
-      break;
-    }
-    const int32_t word = ReadInt16(file + pos);
-    const uint8_t flags = file[pos + 2];
-    if (flags == kActionFlags) {
-      // A negative word would move the position backwards, and never end.
-      if (word < 0) {
-        Report(message);
-        break;
-      }
-      pos += word + 3;
-    } else {
-      const int32_t streamSize = word - 8;
-      pos += 10;
-      if (flags & kStoredSizeFlag) {
-        if (streamSize < 0) {
-          Report(message);
-          break;
-        }
-        pos += streamSize;
-      } else {
-        int32_t left = streamSize;  // decoded bytes still to walk
-        while (left > 0 && pos < length) {
-          const uint8_t c = file[pos];
-          if (c < 128) {
-            const int32_t n = c == 0 ? 128 : c;
-            pos += n + 1;
-            left -= n;
-          } else {
-            pos += 2;
-            left -= 32 - (c >> 3);
-          }
-        }
-        if (left != 0) {  // short of the size at the end of the file, or past it
-          Report(message);
-          break;
-        }
-      }
-    }
-    ++count;
-  }
-  return static_cast<int16_t>(count);
+  const WalkOutcome walk =
+      WalkRecords(Reader{file, length}, kLoaderRules, kMaxSprites, [](const WalkedRecord&) {});
+  // Every way a record cannot be taken in ends the count with the one message; the sprites before
+  // it are loaded as usual.
+  if (walk.Refused) Report(message);
+  return static_cast<int16_t>(walk.Count);
 }
 
 void ReserveStore(SpriteStore& store, int16_t count) {
@@ -100,24 +42,25 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
   int32_t write = 0;
   int32_t count = 0;
   DecodeState state;  // the store and the row buffer start zero-filled
+  const Reader reader{file, length};
   while (pos < length && count < entries) {
-    const int32_t head = HeadWord(file, length, pos);
-    if (head == 0) break;
-    if (head < 0) {
+    const RecordHead head = ReadRecordHead(reader, pos, kLoaderRules);
+    if (head.Kind == HeadKind::End) break;
+    if (head.Kind == HeadKind::Cut) {
       Report(message);
       break;
     }
-    const int32_t word = ReadInt16(file + pos);
-    const uint8_t flags = file[pos + 2];
+    const int32_t word = head.Word;
+    const uint8_t flags = head.Flags;
     SpriteRecord& r = store.SpriteTable[static_cast<size_t>(count)];
     r.DataOffset = write;
     if (flags == kActionFlags) {
       // The action data must lie in the file and fit the store.
-      if (word < 0 || word > length - pos - 3 || word > capacity - write) {
+      if (!Fits(pos + kActionHeadSize, word, length) || word > capacity - write) {
         Report(message);
         break;
       }
-      std::memcpy(data + write, file + pos + 3, static_cast<size_t>(word));
+      std::memcpy(data + write, file + pos + kActionHeadSize, static_cast<size_t>(word));
       r.Size = word;
       r.CompressedSize = word;
       r.Width = static_cast<int16_t>(word);
@@ -125,20 +68,16 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
       r.XOffset = 0;
       r.YOffset = 0;
       write += word;
-      pos += word + 3;
+      pos += kActionHeadSize + word;
     } else {
-      if (length - pos < 10) {
+      if (!head.HeaderFits) {
         Report(message);
         break;
       }
-      const uint8_t height = file[pos + 3];
-      const int16_t width = ReadInt16(file + pos + 4);
-      const int16_t x = ReadInt16(file + pos + 6);
-      const int16_t y = ReadInt16(file + pos + 8);
-      pos += 10;
-      r.Width = width;
-      r.Height = height;
-      r.Size = static_cast<int32_t>(width) * height;
+      pos += kSpriteHeadSize;
+      r.Width = head.Width;
+      r.Height = head.Height;
+      r.Size = static_cast<int32_t>(r.Width) * r.Height;
       const int32_t streamStart = pos;
       const DecodeResult result = DecodeSprite(file, length, pos, r, flags, word - 8, data,
                                                capacity, write, rowBuffer, state);
@@ -147,8 +86,8 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
         break;
       }
       r.CompressedSize = pos - streamStart;
-      r.XOffset = x;
-      r.YOffset = y;
+      r.XOffset = head.XOffset;
+      r.YOffset = head.YOffset;
     }
     r.Flags = flags;
     totals.CompressedTotal += r.CompressedSize;

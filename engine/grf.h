@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bytearray.h"
+#include "records.h"
 
 // Decoded bytes of all sprites together: 6 x 1024 x 1024.
 constexpr int32_t kSpriteDataCapacity = 6291456;
@@ -17,10 +18,6 @@ constexpr int32_t kMinFileSize = 17;
 constexpr int32_t kMaxSprites = 32767;
 // Work buffer of the run route; the decoded stream of a run-form sprite always fits.
 constexpr int32_t kRowBufferSize = 65536;
-
-constexpr uint8_t kActionFlags = 255;
-constexpr uint8_t kStoredSizeFlag = 2;
-constexpr uint8_t kRunFormFlag = 8;
 
 // One sprite's entry of SpriteTable. Field order and widths are those of the format's reader.
 struct SpriteRecord {
