@@ -28,8 +28,8 @@ void BM_V2Decode(benchmark::State& state) {
   IndexGrfV2(file.data(), file.size(), index, nullptr);
   const GrfV2Alternative& a = index.Alternatives.at(0);
   for (auto _ : state) {
-    GrfV2Image image;
-    if (DecodeAlternative(file.data(), file.size(), a, image) != GrfV2Result::Ok)
+    SpritePicture image;
+    if (DecodeAlternative(file.data(), file.size(), a, image) != GrfResult::Ok)
       state.SkipWithError("the sprite does not decode");
     benchmark::DoNotOptimize(image.Rgba.data());
   }

@@ -27,7 +27,8 @@ std::string Dashed(const QString& name) {
 }  // namespace
 
 CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
-                         const std::vector<std::string>& options) {
+                         const std::vector<std::string>& options,
+                         const std::vector<std::string>& flags) {
   CommandArgs out;
   if (args.size() < count) {
     out.TooFew = true;
@@ -36,7 +37,7 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
   }
   // FILE and N come first, as they always have, so that a number such as -1 stays a number.
   for (size_t i = 0; i < count; ++i) {
-    if (IsOptionWord(args[i], options)) {
+    if (IsOptionWord(args[i], options) || IsOptionWord(args[i], flags)) {
       out.Error = "FILE and N come before the options";
       return out;
     }
@@ -46,6 +47,10 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
   QList<QCommandLineOption> known;
   for (const std::string& name : options) {
     known.append(QCommandLineOption(QString::fromStdString(name), QString(), "value"));
+    parser.addOption(known.back());
+  }
+  for (const std::string& name : flags) {
+    known.append(QCommandLineOption(QString::fromStdString(name)));
     parser.addOption(known.back());
   }
   QStringList words{"vossel-cli"};
@@ -69,6 +74,7 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
       return out;
     }
     if (values.size() == 1) out.Values[name] = QFile::encodeName(values.front()).toStdString();
+    if (option.valueName().isEmpty() && parser.isSet(option)) out.Values[name] = std::string();
   }
   return out;
 }

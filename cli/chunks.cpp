@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 
 #include "chunks.h"
@@ -8,11 +9,6 @@
 namespace {
 
 const char kChunksUsage[] = "Usage: vossel-cli chunks FILE N [--zoom LEVEL] [--depth 8|32]\n";
-
-void PrintLines(const std::vector<ChunkLine>& lines) {
-  for (const ChunkLine& line : lines)
-    std::printf("%d\t%s\n", static_cast<int>(line.ItemData), line.Text.c_str());
-}
 
 }  // namespace
 
@@ -30,45 +26,31 @@ int CmdChunks(const std::vector<std::string>& args) {
     return kExitUsage;
   }
 
-  FileReadResult file = ReadWholeFile(args[0]);
-  if (!file.Ok) {
-    std::fprintf(stderr, "%s\n",
-                 ReadFailureText(file.ErrorNumber, file.Description, args[0]).c_str());
-    return kExitFailure;
-  }
-  int32_t index = 0, alternative = -1;
-  if (file.Bytes.size() >= static_cast<size_t>(kMinFileSize) &&
-      IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
-    CliLoad load;
-    load.V2 = true;
-    load.Bytes = std::move(file.Bytes);
-    IndexGrfV2(load.Bytes.data(), load.Bytes.size(), load.Index,
-               [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
-    if (!ParseSpriteNumber(args[1], SpriteCount(load), index) ||
-        !PickAlternative(load, index, wish, alternative))
-      return kExitFailure;
-    PrintLines(V2ChunkList(load.Bytes.data(), load.Bytes.size(), load.Index,
-                           load.Index.Sprites[static_cast<size_t>(index)], alternative));
-    return kExitOk;
-  }
-
-  ChunkScan scan;
-  const ScanOutcome outcome = ScanBuffer(std::move(file.Bytes), scan);
+  GrfFile file;
+  const ScanOutcome outcome = ScanGrfFile(args[0], file);
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
+      std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());
+      return kExitFailure;
     case ScanEnd::TooSmall:
-      std::fprintf(stderr, "%s\n", outcome.Message.c_str());
+      FileError(args[0], outcome.Message);
       return kExitFailure;
     case ScanEnd::InvalidStream:
-      // The window's message box; the sprites before the refused record stay listable.
-      std::fprintf(stderr, "%s\n", outcome.Message.c_str());
-      break;
     case ScanEnd::Complete:
       break;
   }
-  if (!ParseSpriteNumber(args[1], outcome.Count, index)) return kExitFailure;
-  CliLoad v1;
-  if (!PickAlternative(v1, index, wish, alternative)) return kExitFailure;
-  PrintLines(ChunkList(scan, index));
-  return kExitOk;
+  // The problems the window shows in message boxes; the sprites before them stay listable.
+  const int64_t shown = std::min<int64_t>(file.ProblemCount, kV2ProblemMessages);
+  for (int64_t i = 0; i < shown; ++i)
+    FileError(args[0], ProblemText(file.Problems[static_cast<size_t>(i)]));
+  if (file.ProblemCount > shown) FileError(args[0], MoreProblemsText(file.ProblemCount - shown));
+  int32_t index = 0, alternative = -1;
+  if (!ParseSpriteNumber(args[1], SpriteCount(file), index) ||
+      !PickAlternative(file, index, wish, alternative))
+    return kExitFailure;
+  for (const ChunkRecord& chunk : ChunksOf(file, index, alternative)) {
+    const ChunkLine line = LineOf(chunk);
+    std::printf("%d\t%s\n", static_cast<int>(line.ItemData), line.Text.c_str());
+  }
+  return LoadStatus(file);
 }

@@ -6,34 +6,25 @@
 #include <string>
 #include <vector>
 
-#include "grf.h"
-#include "grf2.h"
+#include "grffile.h"
 #include "palette.h"
+
+class QImage;
 
 // Exit statuses.
 constexpr int kExitOk = 0;
 constexpr int kExitFailure = 1;  // the file cannot be read or is too small, a bad argument value
 constexpr int kExitUsage = 2;
 
-// A loaded file for the commands that show sprites: a version-1 file decoded into the store as
-// the window does, or a version-2 file kept with its index.
-struct CliLoad {
-  std::string FileName;
-  int32_t FileLength = 0;
-  SpriteStore Store;
-  LoadOutcome Outcome;
-  bool V2 = false;
-  std::vector<uint8_t> Bytes;  // version 2: the whole file
-  GrfV2Index Index;
-};
-
-// Reads and loads FILE as the window does, with its message boxes (and the problems of a
-// version-2 file) on standard error. Gives kExitOk, or kExitFailure after printing the read
-// failure or the too-small message.
-int LoadForCli(const std::string& fileName, CliLoad& load);
-
-// Sprites the loaded file shows.
-int32_t SpriteCount(const CliLoad& load);
+// Reads and loads FILE as the window does. Its message boxes and problems go to standard error,
+// each as "vossel-cli: FILE: ..."; a file that cannot be read or is too small gives kExitFailure
+// after saying so. A load with problems still gives kExitOk: the command shows what was read and
+// ends with LoadStatus.
+int LoadForCli(const std::string& fileName, GrfFile& file);
+// kExitFailure when the load reported a problem, else kExitOk.
+int LoadStatus(const GrfFile& file);
+// A failure about a file on standard error: "vossel-cli: FILE: text".
+void FileError(const std::string& fileName, const std::string& text);
 
 // A command's arguments: `count` positional ones first (FILE, N), then options, each with a value,
 // parsed by QCommandLineParser.
@@ -43,11 +34,14 @@ struct CommandArgs {
   std::string Error;                          // why the usage is wrong; empty when it is right
   bool TooFew = false;                        // fewer than `count` arguments
 };
+// `flags` are options without a value; a flag that is set stands in Values with an empty value.
 CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
-                         const std::vector<std::string>& options);
+                         const std::vector<std::string>& options,
+                         const std::vector<std::string>& flags = {});
 
 // The palette named by --palette, or without one (nullptr) the one beside the program, as the
-// window reads it at its start; prints the refusal and gives false when it cannot be read.
+// window reads it at its start; prints the refusal, naming the file, and gives false when it
+// cannot be read.
 bool LoadCliPalette(const std::string* named, PaletteBuffer& palette);
 
 // True for a text that reads as a whole number (a number out of range included).
@@ -65,10 +59,14 @@ struct AlternativeWish {
 // Reads the two options; false, with `why` set, on a value that is not one of theirs.
 bool ParseWish(const CommandArgs& args, AlternativeWish& wish, std::string& why);
 // The alternative of sprite `index` (from 0) that the wish picks, its default without one: gives
-// false after printing the alternatives present when the sprite has none such. A version-1
-// sprite has one alternative, 8bpp normal, and `alternative` stays -1.
-bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& wish,
+// false after printing the alternatives present when the sprite has none such.
+bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& wish,
                      int32_t& alternative);
+
+// Writes a picture as a PNG file with the sprite's offsets in its text chunks, whole or not at
+// all. False with the reason in `error`.
+bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
+                  std::string& error);
 
 int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -15,6 +17,7 @@
 #include <QByteArray>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QSaveFile>
@@ -33,7 +36,7 @@ enum class ExportKind : uint8_t { Picture, Bytes };
 struct ExportItem {
   QString Name;
   int32_t Sprite = 0;        // from 0
-  int32_t Alternative = -1;  // version 2: index in the file's alternatives; -1 for data entries
+  int32_t Alternative = -1;  // among the sprite's alternatives; -1 for a pseudo-sprite
   ExportKind Kind = ExportKind::Picture;
 };
 
@@ -71,110 +74,66 @@ QString NumberStem(int32_t index, int digits) {
   return QString::number(index + 1).rightJustified(digits, QLatin1Char('0'));
 }
 
-// A version-1 sprite: one file, or none without pixels.
-void PlanSprite(const CliLoad& load, int32_t i, const QString& stem, std::vector<ExportItem>& items,
+// A sprite's files: a pseudo-sprite as its bytes, and every alternative as its own file; the
+// 8-bit one at normal zoom, the only kind a file without alternatives has, under the number alone.
+void PlanSprite(const GrfFile& file, int32_t i, const QString& stem, std::vector<ExportItem>& items,
                 ExportTally& tally) {
-  const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(i)];
-  if (r.Flags == kActionFlags)
-    items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
-  else if (r.Width > 0 && r.Height > 0)
-    items.push_back({stem + QStringLiteral(".png"), i, -1, ExportKind::Picture});
-  else
-    ++tally.WithoutPixels;
-}
-
-// A version-2 sprite: a data entry as its bytes, and every alternative as its own file; the
-// 8-bit one at normal zoom, the only kind a version-1 file has, under the number alone.
-void PlanAlternatives(const CliLoad& load, int32_t i, const QString& stem,
-                      std::vector<ExportItem>& items, ExportTally& tally) {
-  const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(i)];
-  if (s.Info != kV2Reference) {
-    items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
+  const int32_t count = AlternativeCount(file, i);
+  if (count == 0) {
+    if (FactsOf(file, i, -1).Kind == SpriteKind::Pseudo)
+      items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
+    else
+      ++tally.WithoutPixels;
     return;
   }
-  if (s.AlternativeCount == 0) ++tally.WithoutPixels;
   QStringList taken;
-  for (int32_t k = 0; k < s.AlternativeCount; ++k) {
-    const int32_t index = s.FirstAlternative + k;
-    const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(index)];
-    const bool data = a.Info == kV2Pseudo;
+  for (int32_t k = 0; k < count; ++k) {
+    const AlternativeInfo a = AlternativeOf(file, i, k);
     QString name = stem;
-    if (!data && (a.Zoom != kZoomNormal || AlternativeDepth(a) != 8))
+    if (!a.Data && (a.Zoom != kZoomNormal || a.Depth != 8))
       name += QLatin1Char('-') +
-              QString::fromStdString(AlternativeName(a)).replace(QLatin1Char(' '), '-');
+              QString::fromStdString(AlternativeText(a)).replace(QLatin1Char(' '), '-');
     // Two alternatives of one kind keep apart by their place.
     if (taken.contains(name)) name += QLatin1Char('-') + QString::number(k + 1);
     taken << name;
-    if (!data && (a.Width == 0 || a.Height == 0))
+    const SpriteFacts f = FactsOf(file, i, k);
+    if (!a.Data && (f.Width <= 0 || f.Height <= 0))
       ++tally.WithoutPixels;
     else
-      items.push_back({name + (data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, index,
-                       data ? ExportKind::Bytes : ExportKind::Picture});
+      items.push_back({name + (a.Data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, k,
+                       a.Data ? ExportKind::Bytes : ExportKind::Picture});
   }
 }
 
 // The files of every sprite, in sprite order.
-std::vector<ExportItem> PlanFiles(const CliLoad& load, ExportTally& tally) {
-  const int32_t count = SpriteCount(load);
+std::vector<ExportItem> PlanFiles(const GrfFile& file, ExportTally& tally) {
+  const int32_t count = SpriteCount(file);
   const int digits = NameDigits(count);
   std::vector<ExportItem> items;
-  for (int32_t i = 0; i < count; ++i) {
-    if (load.V2)
-      PlanAlternatives(load, i, NumberStem(i, digits), items, tally);
-    else
-      PlanSprite(load, i, NumberStem(i, digits), items, tally);
-  }
+  for (int32_t i = 0; i < count; ++i) PlanSprite(file, i, NumberStem(i, digits), items, tally);
   return items;
 }
 
-// `size` bytes from `offset` of `bytes`, as far as they lie inside.
-QByteArray BytesAt(const uint8_t* bytes, int64_t length, int64_t offset, int64_t size) {
-  const int64_t begin = std::clamp<int64_t>(offset, 0, length);
-  const int64_t end = begin + std::clamp<int64_t>(size, 0, length - begin);
-  return QByteArray(reinterpret_cast<const char*>(bytes + begin), end - begin);
-}
-
-ExportContent SpriteContent(const CliLoad& load, const PaletteBuffer& palette,
+// A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not
+// applied); pseudo-sprites and non-image data as their bytes.
+ExportContent SpriteContent(const GrfFile& file, const PaletteBuffer& palette,
                             const ExportItem& item) {
-  const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(item.Sprite)];
-  const uint8_t* data = load.Store.SpriteData.data();
-  const auto dataSize = static_cast<int32_t>(load.Store.SpriteData.size());
   ExportContent content;
+  SpritePicture picture;
+  const GrfResult result = PictureOf(file, item.Sprite, item.Alternative, picture);
+  if (result != GrfResult::Ok) {
+    content.Problem = "sprite " + std::to_string(item.Sprite + 1) + ": " +
+                      PictureProblem(file, item.Sprite, item.Alternative, result);
+    return content;
+  }
   if (item.Kind == ExportKind::Bytes) {
-    content.Bytes = BytesAt(data, dataSize, r.DataOffset, r.Size);
+    content.Bytes = QByteArray(reinterpret_cast<const char*>(picture.Indices.data()),
+                               static_cast<qsizetype>(picture.Indices.size()));
     return content;
   }
-  content.Picture = SpriteBitmap(r, data, dataSize, palette);
-  content.XOffset = r.XOffset;
-  content.YOffset = r.YOffset;
-  return content;
-}
-
-// An alternative decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not
-// applied); data entries and non-image data as their bytes.
-ExportContent AlternativeContent(const CliLoad& load, const PaletteBuffer& palette,
-                                 const ExportItem& item) {
-  const auto length = static_cast<int64_t>(load.Bytes.size());
-  ExportContent content;
-  if (item.Alternative < 0) {
-    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(item.Sprite)];
-    content.Bytes = BytesAt(load.Bytes.data(), length, s.DataOffset, s.DataSize);
-    return content;
-  }
-  const GrfV2Alternative& a = load.Index.Alternatives[static_cast<size_t>(item.Alternative)];
-  if (item.Kind == ExportKind::Bytes) {
-    content.Bytes = BytesAt(load.Bytes.data(), length, a.StreamOffset, a.StreamSize);
-    return content;
-  }
-  GrfV2Image image;
-  const GrfV2Result result = DecodeAlternative(load.Bytes.data(), load.Bytes.size(), a, image);
-  if (result != GrfV2Result::Ok) {
-    content.Problem = "sprite " + std::to_string(item.Sprite + 1) + ": " + DecodeText(result, a);
-    return content;
-  }
-  content.Picture = ImageBitmap(image, palette);
-  content.XOffset = image.XOffset;
-  content.YOffset = image.YOffset;
+  content.Picture = ImageBitmap(picture, palette);
+  content.XOffset = picture.XOffset;
+  content.YOffset = picture.YOffset;
   return content;
 }
 
@@ -345,10 +304,10 @@ int CmdExport(const std::vector<std::string>& args) {
   const std::string named = parser.value(paletteOption).toLocal8Bit().toStdString();
   if (!LoadCliPalette(parser.isSet(paletteOption) ? &named : nullptr, palette)) return kExitFailure;
 
-  CliLoad load;
-  if (LoadForCli(fileName, load) != kExitOk) return kExitFailure;
+  GrfFile file;
+  if (LoadForCli(fileName, file) != kExitOk) return kExitFailure;
   ExportTally tally;
-  const std::vector<ExportItem> items = PlanFiles(load, tally);
+  const std::vector<ExportItem> items = PlanFiles(file, tally);
 
   const QDir dir(dirName);
   int32_t existing = 0;
@@ -360,21 +319,32 @@ int CmdExport(const std::vector<std::string>& args) {
     return kExitFailure;
   }
   if (!dir.mkpath(QStringLiteral("."))) {
-    std::fprintf(stderr, "vossel-cli: cannot make the folder '%s'\n", qPrintable(dirName));
+    // QDir does not say why; the system does.
+    const int reason = errno;
+    std::fprintf(stderr, "vossel-cli: cannot make the folder '%s': %s\n", qPrintable(dirName),
+                 std::strerror(reason));
     return kExitFailure;
   }
 
   QString failed, error;
   const bool done = WriteItems(
-      dir, items,
-      [&](const ExportItem& item) {
-        return load.V2 ? AlternativeContent(load, palette, item)
-                       : SpriteContent(load, palette, item);
-      },
-      tally, failed, error);
+      dir, items, [&](const ExportItem& item) { return SpriteContent(file, palette, item); }, tally,
+      failed, error);
   if (!done)
     std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", qPrintable(failed),
                  qPrintable(error));
-  PrintSummary(tally, SpriteCount(load), dirName);
-  return done ? kExitOk : kExitFailure;
+  PrintSummary(tally, SpriteCount(file), dirName);
+  return done ? LoadStatus(file) : kExitFailure;
+}
+
+bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
+                  std::string& error) {
+  ExportContent content;
+  content.Picture = picture;
+  content.XOffset = x;
+  content.YOffset = y;
+  QString why;
+  const bool written = WriteAtomically(QFile::decodeName(path.c_str()), content, why);
+  error = why.toStdString();
+  return written;
 }

@@ -20,41 +20,31 @@ std::string RowLine(const SpriteRowTexts& row) {
 
 int CmdList(const std::vector<std::string>& args) {
   if (!OneFileArgument("list", args)) return kExitUsage;
-  CliLoad load;
-  if (const int status = LoadForCli(args[0], load); status != kExitOk) return status;
+  GrfFile file;
+  if (const int status = LoadForCli(args[0], file); status != kExitOk) return status;
   std::string out;
-  for (int32_t i = 0; i < SpriteCount(load); ++i) {
-    if (load.V2) {
-      // The default alternative's facts, then all alternatives.
-      const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(i)];
-      const GrfV2Facts f = SpriteFacts(load.Index, s, s.Default);
-      out += RowLine(SpriteRow(i, f.Width, f.Height, f.Size, f.Flags)) + '\t' +
-             AlternativeNames(load.Index, s) + '\n';
-    } else {
-      out += RowLine(SpriteRow(i, load.Store.SpriteTable[static_cast<size_t>(i)])) + '\n';
-    }
+  for (int32_t i = 0; i < SpriteCount(file); ++i) {
+    // The default alternative's facts, then all alternatives where sprites have several.
+    const SpriteFacts f = FactsOf(file, i, DefaultAlternative(file, i));
+    out += RowLine(SpriteRow(i, f.Width, f.Height, f.Size, f.Flags));
+    if (file.HasAlternatives) out += '\t' + AlternativeList(file, i);
+    out += '\n';
   }
   std::fwrite(out.data(), 1, out.size(), stdout);
-  return kExitOk;
+  return LoadStatus(file);
 }
 
 int CmdInfo(const std::vector<std::string>& args) {
   if (!OneFileArgument("info", args)) return kExitUsage;
-  CliLoad load;
-  if (const int status = LoadForCli(args[0], load); status != kExitOk) return status;
-  int64_t compressed = load.Outcome.Totals.CompressedTotal;
-  int64_t decoded = load.Outcome.Totals.DecodedTotal;
-  if (load.V2) {
-    const GrfV2Totals totals = IndexTotals(load.Index);
-    compressed = totals.Compressed;
-    decoded = totals.Decompressed;
-  }
+  GrfFile file;
+  if (const int status = LoadForCli(args[0], file); status != kExitOk) return status;
   // The label's lines end in CR LF; a terminal wants LF alone.
   std::string status;
-  for (const char c : StatusText(load.FileName, compressed, decoded, load.FileLength))
+  for (const char c :
+       StatusText(file.Path, file.CompressedTotal, file.DecodedTotal, file.FileLength))
     if (c != '\r') status += c;
-  std::printf("%s\n\n%s\n%s\n%s\n", status.c_str(), FileLoadedMessage(load.FileName).c_str(),
-              LoadedMessage(SpriteCount(load), load.Outcome.DecodeTicks).c_str(),
-              PreparedMessage(load.Outcome.PrepareTicks).c_str());
-  return kExitOk;
+  std::printf("%s\n\n%s\n%s\n%s\n", status.c_str(), FileLoadedMessage(file.Path).c_str(),
+              LoadedMessage(SpriteCount(file), file.DecodeTicks).c_str(),
+              PreparedMessage(file.PrepareTicks).c_str());
+  return LoadStatus(file);
 }

@@ -5,64 +5,39 @@
 #include "palette.h"
 #include "text.h"
 
-namespace {
-
-void ToStandardError(const std::string& text) {
-  std::fprintf(stderr, "%s\n", text.c_str());
+void FileError(const std::string& fileName, const std::string& text) {
+  std::fprintf(stderr, "vossel-cli: %s: %s\n", fileName.c_str(), text.c_str());
 }
 
-}  // namespace
-
-int LoadForCli(const std::string& fileName, CliLoad& load) {
-  const int32_t start = GetTickCount();
-  FileReadResult file = ReadWholeFile(fileName);
-  if (!file.Ok) {
-    ToStandardError(ReadFailureText(file.ErrorNumber, file.Description, fileName));
+int LoadForCli(const std::string& fileName, GrfFile& file) {
+  const MessageFn say = [&fileName](const std::string& text) { FileError(fileName, text); };
+  const OpenOutcome outcome = LoadGrfFile(fileName, file, say, say);
+  if (outcome.End == OpenEnd::ReadFailure) {
+    // The read failure's text names the file already.
+    std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());
     return kExitFailure;
   }
-  const int32_t readTicks = GetTickCount() - start;
-  if (file.Bytes.size() < static_cast<size_t>(kMinFileSize)) {
-    ToStandardError(kMsgTooSmall);
+  if (outcome.End == OpenEnd::TooSmall) {
+    say(outcome.Message);
     return kExitFailure;
   }
-  load.FileName = fileName;
-  load.FileLength = static_cast<int32_t>(file.Bytes.size());
-  if (IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
-    // Indexed now; an alternative is decoded when it is asked for.
-    load.V2 = true;
-    load.Bytes = std::move(file.Bytes);
-    const int32_t indexStart = GetTickCount();
-    IndexGrfV2(load.Bytes.data(), load.Bytes.size(), load.Index, ToStandardError);
-    load.Outcome.DecodeTicks = GetTickCount() - indexStart;
-    load.Outcome.PrepareTicks = readTicks;
-    return kExitOk;
-  }
-  // The window shows these as message boxes; here they go to standard error as they come.
-  load.Outcome = LoadSprites(file.Bytes.data(), load.FileLength, load.Store, ToStandardError);
-  load.Outcome.PrepareTicks += readTicks;
   return kExitOk;
 }
 
-int32_t SpriteCount(const CliLoad& load) {
-  if (load.V2) return static_cast<int32_t>(load.Index.Sprites.size());
-  // The loader keeps exactly the sprites it decoded.
-  return static_cast<int32_t>(load.Store.SpriteTable.size());
+int LoadStatus(const GrfFile& file) {
+  return file.ProblemCount > 0 ? kExitFailure : kExitOk;
 }
 
-bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& wish,
+bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& wish,
                      int32_t& alternative) {
-  alternative = -1;
-  std::string present = "8bpp normal";
-  if (load.V2) {
-    const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(index)];
-    alternative = s.Default;
-    if (wish.Zoom < 0 && wish.Depth == 0) return true;
-    alternative = ChooseAlternative(load.Index, s, wish.Zoom, wish.Depth);
-    if (alternative >= 0) return true;
-    present = AlternativeNames(load.Index, s);
-  } else if ((wish.Zoom < 0 || wish.Zoom == kZoomNormal) && (wish.Depth == 0 || wish.Depth == 8)) {
-    return true;
-  }
+  alternative = DefaultAlternative(file, index);
+  if (wish.Zoom < 0 && wish.Depth == 0) return true;
+  // Without alternatives every sprite is 8bpp at normal zoom, a pseudo-sprite too.
+  const bool single = !file.HasAlternatives && (wish.Zoom < 0 || wish.Zoom == kZoomNormal) &&
+                      (wish.Depth == 0 || wish.Depth == 8);
+  if (!single) alternative = FindAlternative(file, index, wish.Zoom, wish.Depth);
+  if (single || alternative >= 0) return true;
+  const std::string present = file.HasAlternatives ? AlternativeList(file, index) : "8bpp normal";
   std::string wanted = wish.Depth != 0 ? std::to_string(wish.Depth) + "bpp" : "";
   if (wish.Zoom >= 0) {
     if (!wanted.empty()) wanted += ' ';
@@ -77,6 +52,6 @@ bool PickAlternative(const CliLoad& load, int32_t index, const AlternativeWish& 
 bool LoadCliPalette(const std::string* named, PaletteBuffer& palette) {
   const std::string path = named ? *named : JoinPath(ProgramFolder(), kPaletteFileName);
   if (LoadPalette(path, palette) != 0) return true;
-  std::fprintf(stderr, "%s\n", kMsgBadPalette);
+  FileError(path, kMsgBadPalette);
   return false;
 }

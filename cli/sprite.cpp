@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 
 #include "commands.h"
@@ -13,7 +14,7 @@
 namespace {
 
 const char kSpriteUsage[] =
-    "Usage: vossel-cli sprite FILE N [--png OUT] [--palette PAL] "
+    "Usage: vossel-cli sprite FILE N [--png OUT [--force]] [--palette PAL] "
     "[--zoom normal|in4|in2|out2|out4|out8] [--depth 8|32]\n";
 
 int UsageError(const std::string& why) {
@@ -30,67 +31,50 @@ void PrintFacts(int32_t index, int64_t width, int64_t height, uint8_t flags, int
   std::printf("Offset: %s\n", OffsetText(x, y).c_str());
 }
 
-int WritePng(const QImage& bitmap, int32_t index, int64_t width, int64_t height,
-             const std::string& path) {
+// The chosen alternative's facts (with its zoom and depth where sprites have several) and its
+// picture: an image decoded now, data as a strip of palette indices as an action sprite is shown.
+int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const std::string* png,
+               bool force, const PaletteBuffer& palette) {
+  const SpriteFacts f = FactsOf(file, index, alternative);
+  PrintFacts(index, f.Width, f.Height, f.Flags, f.Size, f.Compressed, f.XOffset, f.YOffset);
+  const AlternativeInfo a = AlternativeOf(file, index, alternative);
+  const bool image = alternative >= 0 && !a.Data;
+  if (image && file.HasAlternatives) {
+    std::printf("Zoom: %s\n", ZoomName(a.Zoom).c_str());
+    std::printf("Depth: %dbpp\n", static_cast<int>(a.Depth));
+  }
+  std::fflush(stdout);
+  SpritePicture picture;
+  const GrfResult result = PictureOf(file, index, alternative, picture);
+  if (result != GrfResult::Ok) {
+    std::fprintf(stderr, "vossel-cli: %s\n",
+                 PictureProblem(file, index, alternative, result).c_str());
+    return kExitFailure;
+  }
+  if (png == nullptr) return LoadStatus(file);
+  const QImage bitmap = ImageBitmap(picture, palette);
   if (bitmap.isNull()) {
     std::fprintf(stderr, "vossel-cli: sprite %d has no pixels (%lld x %lld); no PNG written\n",
-                 index + 1, static_cast<long long>(width), static_cast<long long>(height));
+                 index + 1, static_cast<long long>(f.Width), static_cast<long long>(f.Height));
     return kExitFailure;
   }
-  if (!bitmap.save(QFile::decodeName(path.c_str()), "PNG")) {
-    std::fprintf(stderr, "vossel-cli: cannot write the PNG file '%s'\n", path.c_str());
+  if (!force && QFileInfo::exists(QFile::decodeName(png->c_str()))) {
+    std::fprintf(stderr, "vossel-cli: %s is there already; give --force to overwrite\n",
+                 png->c_str());
     return kExitFailure;
   }
-  return kExitOk;
-}
-
-int ShowV1(const CliLoad& load, int32_t index, const std::string* png,
-           const PaletteBuffer& palette) {
-  const SpriteRecord& r = load.Store.SpriteTable[static_cast<size_t>(index)];
-  PrintFacts(index, r.Width, r.Height, r.Flags, r.Size, r.CompressedSize, r.XOffset, r.YOffset);
-  std::fflush(stdout);
-  if (png == nullptr) return kExitOk;
-  return WritePng(SpriteBitmap(r, load.Store.SpriteData.data(),
-                               static_cast<int32_t>(load.Store.SpriteData.size()), palette),
-                  index, r.Width, r.Height, *png);
-}
-
-// The chosen alternative's facts with its zoom and depth, and its picture: an image decoded now,
-// data as a strip of palette indices as an action sprite is shown.
-int ShowV2(const CliLoad& load, int32_t index, int32_t alternative, const std::string* png,
-           const PaletteBuffer& palette) {
-  const GrfV2Sprite& s = load.Index.Sprites[static_cast<size_t>(index)];
-  const GrfV2Facts f = SpriteFacts(load.Index, s, alternative);
-  PrintFacts(index, f.Width, f.Height, f.Flags, f.Size, f.Compressed, f.XOffset, f.YOffset);
-  const GrfV2Alternative* a =
-      alternative >= 0 ? &load.Index.Alternatives[static_cast<size_t>(alternative)] : nullptr;
-  const bool image = a != nullptr && a->Info != kV2Pseudo;
-  if (image) {
-    std::printf("Zoom: %s\n", ZoomName(a->Zoom).c_str());
-    std::printf("Depth: %dbpp\n", static_cast<int>(AlternativeDepth(*a)));
+  std::string error;
+  if (!WritePngFile(*png, bitmap, picture.XOffset, picture.YOffset, error)) {
+    std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", png->c_str(), error.c_str());
+    return kExitFailure;
   }
-  std::fflush(stdout);
-  GrfV2Image picture;
-  if (image) {
-    const GrfV2Result result = DecodeAlternative(load.Bytes.data(), load.Bytes.size(), *a, picture);
-    if (result != GrfV2Result::Ok) {
-      std::fprintf(stderr, "vossel-cli: %s\n", DecodeText(result, *a).c_str());
-      return kExitFailure;
-    }
-  }
-  if (png == nullptr) return kExitOk;
-  QImage bitmap = ImageBitmap(picture, palette);
-  if (!image && (a != nullptr || s.Info != kV2Reference)) {
-    const int64_t from = a != nullptr ? a->StreamOffset : s.DataOffset;
-    bitmap = IndexedPicture(load.Bytes.data() + from, f.Width, 1, palette);
-  }
-  return WritePng(bitmap, index, f.Width, f.Height, *png);
+  return LoadStatus(file);
 }
 
 }  // namespace
 
 int CmdSprite(const std::vector<std::string>& args) {
-  const CommandArgs parsed = ParseCommand(args, 2, {"png", "palette", "zoom", "depth"});
+  const CommandArgs parsed = ParseCommand(args, 2, {"png", "palette", "zoom", "depth"}, {"force"});
   if (parsed.TooFew) return UsageError("sprite needs FILE and N");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
   if (!IsSpriteNumberText(args[1])) return UsageError("'" + args[1] + "' is not a sprite number");
@@ -108,12 +92,11 @@ int CmdSprite(const std::vector<std::string>& args) {
   if ((wantPng || named) && !LoadCliPalette(named ? &ownPalette->second : nullptr, palette))
     return kExitFailure;
 
-  CliLoad load;
-  if (LoadForCli(args[0], load) != kExitOk) return kExitFailure;
+  GrfFile file;
+  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   int32_t index = 0, alternative = -1;
-  if (!ParseSpriteNumber(args[1], SpriteCount(load), index)) return kExitFailure;
-  if (!PickAlternative(load, index, wish, alternative)) return kExitFailure;
-  const std::string* pngPath = wantPng ? &png->second : nullptr;
-  return load.V2 ? ShowV2(load, index, alternative, pngPath, palette)
-                 : ShowV1(load, index, pngPath, palette);
+  if (!ParseSpriteNumber(args[1], SpriteCount(file), index)) return kExitFailure;
+  if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
+  return ShowSprite(file, index, alternative, wantPng ? &png->second : nullptr,
+                    parsed.Values.count("force") > 0, palette);
 }

@@ -120,7 +120,7 @@ QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
   return picture;
 }
 
-QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette) {
+QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette) {
   const size_t cells = static_cast<size_t>(std::max(image.Width, 0)) * std::max(image.Height, 0);
   if (image.Rgba.empty()) {
     if (image.Indices.size() != cells) return QImage();

@@ -29,7 +29,7 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 // A decoded version-2 image as a picture of its own: an image with RGB as RGBA, the mask layer
 // not applied; an 8-bit one as an indexed image with the palette as its colour table. A null
 // image for Width or Height 0.
-QImage ImageBitmap(const GrfV2Image& image, const PaletteBuffer& palette);
+QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette);
 
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
 // canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled

@@ -108,7 +108,7 @@ ChunkCursor StartChunkList(const ChunkScan& scan, int32_t v) {
   return cursor;
 }
 
-bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) {
+bool NextChunk(const ChunkScan& scan, ChunkCursor& cursor, ChunkRecord& chunk) {
   if (cursor.Done) return false;
   // Events run before this call may have replaced or erased what the list reads.
   if (cursor.Generation != scan.Generation ||
@@ -116,7 +116,14 @@ bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) 
     cursor.Done = true;
     return false;
   }
-  return NextChunkLineIn(scan.FileData.data(), scan.FileData.size(), cursor, line);
+  return NextChunk(scan.FileData.data(), scan.FileData.size(), cursor, chunk);
+}
+
+bool NextChunkLine(const ChunkScan& scan, ChunkCursor& cursor, ChunkLine& line) {
+  ChunkRecord chunk;
+  if (!NextChunk(scan, cursor, chunk)) return false;
+  line = LineOf(chunk);
+  return true;
 }
 
 bool NextChunk(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkRecord& chunk) {
@@ -176,11 +183,14 @@ std::string ChunkText(const ChunkRecord& chunk) {
   return text;
 }
 
+ChunkLine LineOf(const ChunkRecord& chunk) {
+  return ChunkLine{static_cast<int32_t>(chunk.Position), ChunkText(chunk)};
+}
+
 bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line) {
   ChunkRecord chunk;
   if (!NextChunk(bytes, length, cursor, chunk)) return false;
-  line.ItemData = static_cast<int32_t>(chunk.Position);
-  line.Text = ChunkText(chunk);
+  line = LineOf(chunk);
   return true;
 }
 

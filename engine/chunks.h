@@ -103,6 +103,11 @@ bool NextChunk(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkRe
 // from position P", "Action sprite, N bytes".
 std::string ChunkText(const ChunkRecord& chunk);
 
+// The same on the scan's FileData, stopping where NextChunkLine stops.
+bool NextChunk(const ChunkScan& scan, ChunkCursor& cursor, ChunkRecord& chunk);
+// A chunk as the viewer lists it: its position as the item value, and its line.
+ChunkLine LineOf(const ChunkRecord& chunk);
+
 // The line rule itself, on any buffer: the line at cursor.P, reading nothing at or behind
 // min(length, cursor.End). An action cursor gives its one line, "Action sprite, S bytes" at P.
 bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkLine& line);

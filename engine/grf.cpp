@@ -14,9 +14,11 @@ inline void Report(const MessageFn& message) {
 
 }  // namespace
 
-int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message) {
+int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message,
+                     int64_t* refusedAt) {
   const WalkOutcome walk =
       WalkRecords(Reader{file, length}, kLoaderRules, kMaxSprites, [](const WalkedRecord&) {});
+  if (refusedAt != nullptr) *refusedAt = walk.Refused ? walk.Position : -1;
   // Every way a record cannot be taken in ends the count with the one message; the sprites before
   // it are loaded as usual.
   if (walk.Refused) Report(message);
@@ -48,6 +50,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
     if (head.Kind == HeadKind::End) break;
     if (head.Kind == HeadKind::Cut) {
       Report(message);
+      totals.RefusedAt = pos;
       break;
     }
     const int32_t word = head.Word;
@@ -58,6 +61,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
       // The action data must lie in the file and fit the store.
       if (!Fits(pos + kActionHeadSize, word, length) || word > capacity - write) {
         Report(message);
+        totals.RefusedAt = pos;
         break;
       }
       std::memcpy(data + write, file + pos + kActionHeadSize, static_cast<size_t>(word));
@@ -72,6 +76,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
     } else {
       if (!head.HeaderFits) {
         Report(message);
+        totals.RefusedAt = pos;
         break;
       }
       pos += kSpriteHeadSize;
@@ -83,6 +88,7 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
                                                capacity, write, rowBuffer, state);
       if (result != DecodeResult::Finished) {
         Report(message);
+        totals.RefusedAt = streamStart - kSpriteHeadSize;
         break;
       }
       r.CompressedSize = pos - streamStart;

@@ -43,13 +43,16 @@ struct SpriteStore {
 // Counting pass: how many records the file holds, at most 32,767. A record that cannot be taken in
 // (a walked stream passing its size, a record running past the end of the file, a length word that
 // would move backwards, a 32,768th sprite) raises the message once and ends the count before it.
-int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message);
+// `refusedAt`, when given, takes the refused record's position (-1 when none was).
+int16_t CountSprites(const uint8_t* file, int32_t length, const MessageFn& message,
+                     int64_t* refusedAt = nullptr);
 
 struct DecodeTotals {
   int16_t Count = 0;            // sprites decoded
   int32_t WritePosition = 0;    // bytes of SpriteData in use
   int32_t CompressedTotal = 0;  // sum of CompressedSize
   int32_t DecodedTotal = 0;     // sum of Size
+  int64_t RefusedAt = -1;       // where the sprite that could not be decoded starts
 };
 
 // Drops the previous store and makes it anew: SpriteData at its full capacity, zero-filled, and

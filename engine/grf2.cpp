@@ -5,7 +5,9 @@
 #include <limits>
 
 #include "decode.h"
+#include "grffile.h"
 #include "reader.h"
+#include "text.h"
 
 namespace {
 
@@ -16,15 +18,15 @@ struct Indexer {
   const MessageFn& Message;
 };
 
-void Note(Indexer& ix, const GrfV2Problem& p) {
+void Note(Indexer& ix, const GrfProblem& p) {
   ++ix.Index.ProblemCount;
   if (ix.Index.Problems.size() < kV2KeptProblems) ix.Index.Problems.push_back(p);
   if (ix.Message && ix.Index.ProblemCount <= kV2ProblemMessages) ix.Message(GrfV2Text(p));
 }
 
 // A problem that stops a section; the first one is the index's End.
-void Stop(Indexer& ix, const GrfV2Problem& p) {
-  if (ix.Index.End == GrfV2Result::Ok) ix.Index.End = p.Kind;
+void Stop(Indexer& ix, const GrfProblem& p) {
+  if (ix.Index.End == GrfResult::Ok) ix.Index.End = p.Kind;
   Note(ix, p);
 }
 
@@ -40,21 +42,21 @@ void IndexDataSection(Indexer& ix, int64_t end) {
     uint32_t size = 0;
     uint8_t info = 0;
     if (!U32(r, pos, size)) {
-      Stop(ix, {GrfV2Result::DataSectionCut, pos, number, 0, 0});
+      Stop(ix, {GrfResult::DataSectionCut, pos, number, 0, 0});
       return;
     }
     if (size == 0) return;
     if (!U8(r, pos + 4, info) || !Fits(pos + 5, size, end)) {
-      Stop(ix, {GrfV2Result::DataSectionCut, pos, number, 0, size});
+      Stop(ix, {GrfResult::DataSectionCut, pos, number, 0, size});
       return;
     }
     GrfV2Sprite s;
     s.Info = info;
     if (info == kV2Reference) {
       if (size != 4 || !U32(r, pos + 5, s.Id))
-        Note(ix, {GrfV2Result::BadReference, pos, number, 0, size});
+        Note(ix, {GrfResult::BadReference, pos, number, 0, size});
     } else {
-      if (info != kV2Pseudo) Note(ix, {GrfV2Result::UnknownDataInfo, pos, number, 0, info});
+      if (info != kV2Pseudo) Note(ix, {GrfResult::UnknownDataInfo, pos, number, 0, info});
       s.DataOffset = pos + 5;
       s.DataSize = size;
     }
@@ -70,26 +72,26 @@ bool IndexAlternative(Indexer& ix, int64_t pos, uint32_t id, uint32_t size) {
   const int64_t body = pos + 8;
   // Filled in place, and taken back when the entry is left out.
   GrfV2Alternative& a = ix.Index.Alternatives.emplace_back();
-  const auto leaveOut = [&ix](const GrfV2Problem& p) {
+  const auto leaveOut = [&ix](const GrfProblem& p) {
     ix.Index.Alternatives.pop_back();
     Note(ix, p);
     return false;
   };
   a.Id = id;
-  if (size == 0 || !U8(r, body, a.Info)) return leaveOut({GrfV2Result::EmptyEntry, pos, 0, id, 0});
+  if (size == 0 || !U8(r, body, a.Info)) return leaveOut({GrfResult::EmptyEntry, pos, 0, id, 0});
   int64_t header = 1;
   if (a.Info != kV2Pseudo) {
     header = (a.Info & kV2Tile) ? 14 : 10;
-    if (size < header) return leaveOut({GrfV2Result::ImageHeaderCut, pos, 0, id, size});
+    if (size < header) return leaveOut({GrfResult::ImageHeaderCut, pos, 0, id, size});
     U8(r, body + 1, a.Zoom);
     U16(r, body + 2, a.Height);
     U16(r, body + 4, a.Width);
     S16(r, body + 6, a.XOffset);
     S16(r, body + 8, a.YOffset);
     if (a.Info & kV2Tile) U32(r, body + 10, a.TileSize);
-    if (a.Zoom >= kZoomLevels) return leaveOut({GrfV2Result::UnknownZoom, pos, 0, id, a.Zoom});
+    if (a.Zoom >= kZoomLevels) return leaveOut({GrfResult::UnknownZoom, pos, 0, id, a.Zoom});
     if ((a.Info & (kV2Rgb | kV2Palette)) == 0)
-      return leaveOut({GrfV2Result::NoColour, pos, 0, id, a.Info});
+      return leaveOut({GrfResult::NoColour, pos, 0, id, a.Info});
   }
   a.StreamOffset = body + header;
   a.StreamSize = size - header;
@@ -117,12 +119,12 @@ std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
   while (pos != r.End) {
     uint32_t id = 0, size = 0;
     if (!U32(r, pos, id)) {
-      Stop(ix, {GrfV2Result::SpriteSectionCut, pos, 0, 0, 0});
+      Stop(ix, {GrfResult::SpriteSectionCut, pos, 0, 0, 0});
       break;
     }
     if (id == 0) break;
     if (!U32(r, pos + 4, size) || !Fits(pos + 8, size, r.End)) {
-      Stop(ix, {GrfV2Result::SpriteSectionCut, pos, 0, id, size});
+      Stop(ix, {GrfResult::SpriteSectionCut, pos, 0, id, size});
       break;
     }
     if (groups.empty() || groups.back().Id != id)
@@ -153,7 +155,7 @@ void ResolveReferences(Indexer& ix, std::vector<IdGroup>& groups) {
                            [](const IdGroup& a, uint32_t id) { return a.Id < id; });
     if (g != groups.end()) next = g + 1;
     if (g == groups.end() || g->Id != s.Id) {
-      Note(ix, {GrfV2Result::MissingId, 0, static_cast<int32_t>(i) + 1, s.Id, 0});
+      Note(ix, {GrfResult::MissingId, 0, static_cast<int32_t>(i) + 1, s.Id, 0});
       continue;
     }
     s.FirstAlternative = g->First;
@@ -166,18 +168,13 @@ void ResolveReferences(Indexer& ix, std::vector<IdGroup>& groups) {
 constexpr int32_t kZoomRank[kZoomLevels] = {0, 3, 1, 2, 4, 5};
 const char* const kZoomNames[kZoomLevels] = {"normal", "in4", "in2", "out2", "out4", "out8"};
 
-// Bytes of the alternative's picture: every cell with every layer it has.
-int64_t PictureBytes(const GrfV2Alternative& a) {
-  return static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
-}
-
 // Bytes the alternative's stream decompresses to.
 int64_t DecodedSize(const GrfV2Alternative& a) {
   return (a.Info & kV2Tile) ? a.TileSize : PictureBytes(a);
 }
 
 // n pixels of the present layers from `from` into the image from cell `cell` on.
-void PutPixels(const uint8_t* from, int64_t n, int64_t cell, GrfV2Image& image) {
+void PutPixels(const uint8_t* from, int64_t n, int64_t cell, SpritePicture& image) {
   const uint8_t info = image.Info;
   uint8_t* rgba = image.Rgba.empty() ? nullptr : image.Rgba.data() + 4 * cell;
   uint8_t* index = image.Indices.empty() ? nullptr : image.Indices.data() + cell;
@@ -216,8 +213,8 @@ bool RunHead(const Reader& r, int64_t& pos, bool wide, int64_t& length, int64_t&
 }
 
 // Places the runs of the tile form held in `raw`: one offset per row, then each row's runs.
-GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& a,
-                       GrfV2Image& image) {
+GrfResult PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& a,
+                     SpritePicture& image) {
   const Reader r{raw.data(), static_cast<int64_t>(raw.size())};
   const int64_t pixelSize = V2PixelSize(a.Info);
   const bool longOffsets = raw.size() >= 65536;
@@ -226,77 +223,79 @@ GrfV2Result PlaceTiles(const std::vector<uint8_t>& raw, const GrfV2Alternative& 
     int64_t pos = 0;
     if (longOffsets) {
       uint32_t offset = 0;
-      if (!U32(r, 4 * y, offset)) return GrfV2Result::TileOutside;
+      if (!U32(r, 4 * y, offset)) return GrfResult::TileOutside;
       pos = offset;
     } else {
       uint16_t offset = 0;
-      if (!U16(r, 2 * y, offset)) return GrfV2Result::TileOutside;
+      if (!U16(r, 2 * y, offset)) return GrfResult::TileOutside;
       pos = offset;
     }
     for (bool last = false; !last;) {
       int64_t length = 0, x = 0;
-      if (!RunHead(r, pos, wide, length, x, last)) return GrfV2Result::TileOutside;
+      if (!RunHead(r, pos, wide, length, x, last)) return GrfResult::TileOutside;
       if (!Fits(x, length, a.Width) || !Fits(pos, length * pixelSize, r.End))
-        return GrfV2Result::TileOutside;
+        return GrfResult::TileOutside;
       PutPixels(raw.data() + pos, length, y * a.Width + x, image);
       pos += length * pixelSize;
     }
   }
-  return GrfV2Result::Ok;
+  return GrfResult::Ok;
 }
 
 }  // namespace
 
-std::string GrfV2Text(const GrfV2Problem& p) {
+std::string GrfV2Text(const GrfProblem& p) {
   const std::string at = " at byte " + std::to_string(p.Position);
   const std::string sprite = "Sprite " + std::to_string(p.Sprite);
   const std::string entry = "The entry of id " + std::to_string(p.Id) + at;
   const std::string stream = "The image stream of id " + std::to_string(p.Id) + at;
   const std::string value = std::to_string(p.Value);
   switch (p.Kind) {
-    case GrfV2Result::Ok:
+    case GrfResult::Ok:
       return "";
-    case GrfV2Result::NotVersion2:
+    case GrfResult::NotVersion2:
       return "Not a GRF file of container version 2";
-    case GrfV2Result::HeaderCut:
+    case GrfResult::HeaderCut:
       return "The file's header is cut short: " + value + " bytes of 15";
-    case GrfV2Result::UnknownCompression:
+    case GrfResult::UnknownCompression:
       return "The file's sections use the unknown compression " + value + "; nothing can be read";
-    case GrfV2Result::SpriteSectionOutside:
+    case GrfResult::SpriteSectionOutside:
       return "The sprite section would start at byte " + value + ", outside the file";
-    case GrfV2Result::DataSectionCut:
+    case GrfResult::DataSectionCut:
       return sprite + at + " runs past the end of the data section; no sprite follows";
-    case GrfV2Result::SpriteSectionCut:
+    case GrfResult::SpriteSectionCut:
       return entry + " runs past the end of the file; the sprite section ends there";
-    case GrfV2Result::UnknownDataInfo:
+    case GrfResult::UnknownDataInfo:
       return sprite + at + " has the unknown info byte " + value + "; it is kept as data";
-    case GrfV2Result::BadReference:
+    case GrfResult::BadReference:
       return sprite + at + " is a reference of " + value + " bytes instead of 4";
-    case GrfV2Result::MissingId:
+    case GrfResult::MissingId:
       return sprite + " refers to id " + std::to_string(p.Id) + ", which the file lacks";
-    case GrfV2Result::EmptyEntry:
+    case GrfResult::EmptyEntry:
       return entry + " is empty";
-    case GrfV2Result::ImageHeaderCut:
+    case GrfResult::ImageHeaderCut:
       return entry + " is too short for an image header: " + value + " bytes";
-    case GrfV2Result::UnknownZoom:
+    case GrfResult::UnknownZoom:
       return entry + " has the unknown zoom level " + value;
-    case GrfV2Result::NoColour:
+    case GrfResult::NoColour:
       return entry + " has no colour layer (info " + value + ")";
-    case GrfV2Result::NotAnImage:
+    case GrfResult::NotAnImage:
       return entry + " holds no image";
-    case GrfV2Result::TooLarge:
+    case GrfResult::TooLarge:
       return stream + " would need more than 64 MiB";
-    case GrfV2Result::StreamOverrun:
+    case GrfResult::StreamOverrun:
       return stream + " decompresses past its size";
-    case GrfV2Result::StreamShort:
+    case GrfResult::StreamShort:
       return stream + " ends before its decompressed size";
-    case GrfV2Result::TileOutside:
+    case GrfResult::TileOutside:
       return stream + " has a row or a run outside its bounds";
+    case GrfResult::OutOfBuffer:
+      return kMsgOutOfBuffer;
   }
   return "";
 }
 
-std::string DecodeText(GrfV2Result result, const GrfV2Alternative& a) {
+std::string DecodeText(GrfResult result, const GrfV2Alternative& a) {
   return GrfV2Text({result, a.StreamOffset, 0, a.Id, 0});
 }
 
@@ -305,8 +304,8 @@ bool IsGrfV2(const uint8_t* file, size_t length) {
          std::memcmp(file, kGrfV2Signature, sizeof kGrfV2Signature) == 0;
 }
 
-GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
-                       const MessageFn& message) {
+GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
+                     const MessageFn& message) {
   index = GrfV2Index{};
   const int64_t end = static_cast<int64_t>(
       std::min<size_t>(length, static_cast<size_t>(std::numeric_limits<int64_t>::max())));
@@ -314,11 +313,11 @@ GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
   uint32_t offset = 0;
   uint8_t compression = 0;
   if (!IsGrfV2(file, length)) {
-    Stop(ix, {GrfV2Result::NotVersion2, 0, 0, 0, 0});
+    Stop(ix, {GrfResult::NotVersion2, 0, 0, 0, 0});
   } else if (!U32(ix.File, 10, offset) || !U8(ix.File, 14, compression)) {
-    Stop(ix, {GrfV2Result::HeaderCut, 0, 0, 0, end});
+    Stop(ix, {GrfResult::HeaderCut, 0, 0, 0, end});
   } else if (compression != 0) {
-    Stop(ix, {GrfV2Result::UnknownCompression, 14, 0, 0, compression});
+    Stop(ix, {GrfResult::UnknownCompression, 14, 0, 0, compression});
   } else {
     // The data section ends where the sprite section starts, if that lies behind the header.
     const int64_t spriteSection = 14 + static_cast<int64_t>(offset);
@@ -329,12 +328,11 @@ GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
       std::vector<IdGroup> groups = IndexSpriteSection(ix, spriteSection);
       ResolveReferences(ix, groups);
     } else {
-      Stop(ix, {GrfV2Result::SpriteSectionOutside, 10, 0, 0, spriteSection});
+      Stop(ix, {GrfResult::SpriteSectionOutside, 10, 0, 0, spriteSection});
     }
   }
   if (message && index.ProblemCount > kV2ProblemMessages)
-    message("And " + std::to_string(index.ProblemCount - kV2ProblemMessages) +
-            " more problems in this file");
+    message(MoreProblemsText(index.ProblemCount - kV2ProblemMessages));
   return index.End;
 }
 
@@ -395,35 +393,8 @@ int32_t ChooseAlternative(const GrfV2Index& index, const GrfV2Sprite& s, int32_t
   return best;
 }
 
-GrfV2Facts SpriteFacts(const GrfV2Index& index, const GrfV2Sprite& s, int32_t alternative) {
-  GrfV2Facts f;
-  const bool hasAlternative =
-      alternative >= 0 && static_cast<size_t>(alternative) < index.Alternatives.size();
-  if (!hasAlternative) {
-    if (s.Info == kV2Reference) {
-      f.Flags = kV2Reference;
-      return f;
-    }
-    f.Width = f.Size = f.Compressed = s.DataSize;
-    f.Height = 1;
-    f.Flags = kV2Pseudo;
-    return f;
-  }
-  const GrfV2Alternative& a = index.Alternatives[static_cast<size_t>(alternative)];
-  if (a.Info == kV2Pseudo) {
-    f.Width = f.Size = f.Compressed = a.StreamSize;
-    f.Height = 1;
-    f.Flags = kV2Pseudo;
-    return f;
-  }
-  f.Width = a.Width;
-  f.Height = a.Height;
-  f.Size = PictureBytes(a);
-  f.Compressed = a.StreamSize;
-  f.XOffset = a.XOffset;
-  f.YOffset = a.YOffset;
-  f.Flags = a.Info;
-  return f;
+int64_t PictureBytes(const GrfV2Alternative& a) {
+  return static_cast<int64_t>(a.Width) * a.Height * V2PixelSize(a.Info);
 }
 
 GrfV2Totals IndexTotals(const GrfV2Index& index) {
@@ -439,22 +410,21 @@ GrfV2Totals IndexTotals(const GrfV2Index& index) {
   return t;
 }
 
-GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
-                              GrfV2Image& image) {
-  image = GrfV2Image{};
-  if (a.Info == kV2Pseudo) return GrfV2Result::NotAnImage;
+GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
+                            SpritePicture& image) {
+  image = SpritePicture{};
+  if (a.Info == kV2Pseudo) return GrfResult::NotAnImage;
   const int64_t cells = static_cast<int64_t>(a.Width) * a.Height;
   const int64_t decoded = DecodedSize(a);
-  if (PictureBytes(a) > kV2MaxImageBytes || decoded > kV2MaxImageBytes)
-    return GrfV2Result::TooLarge;
+  if (PictureBytes(a) > kV2MaxImageBytes || decoded > kV2MaxImageBytes) return GrfResult::TooLarge;
   if (!Fits(a.StreamOffset, a.StreamSize, static_cast<int64_t>(length)))
-    return GrfV2Result::StreamShort;
+    return GrfResult::StreamShort;
   // A chunk decodes to at most eight times its bytes, so a stream too short for its size is told
   // before any memory is taken for it.
-  if (decoded > 8 * a.StreamSize) return GrfV2Result::StreamShort;
+  if (decoded > 8 * a.StreamSize) return GrfResult::StreamShort;
   // Tile form holds at least a row offset and a run head for every row.
   if ((a.Info & kV2Tile) && decoded < 4 * static_cast<int64_t>(a.Height))
-    return GrfV2Result::TileOutside;
+    return GrfResult::TileOutside;
 
   std::vector<uint8_t> raw(static_cast<size_t>(decoded));
   int32_t readPos = 0, outPos = 0;
@@ -463,8 +433,8 @@ GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alt
   const DecodeResult stream =
       DecodeStream(file + a.StreamOffset, streamBytes, readPos, raw.data(),
                    static_cast<int32_t>(decoded), outPos, static_cast<int32_t>(decoded), 0);
-  if (stream == DecodeResult::Overrun) return GrfV2Result::StreamOverrun;
-  if (stream == DecodeResult::Truncated) return GrfV2Result::StreamShort;
+  if (stream == DecodeResult::Overrun) return GrfResult::StreamOverrun;
+  if (stream == DecodeResult::Truncated) return GrfResult::StreamShort;
 
   image.Width = a.Width;
   image.Height = a.Height;
@@ -474,12 +444,12 @@ GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alt
   image.Zoom = a.Zoom;
   if (a.Info & kV2Rgb) image.Rgba.assign(static_cast<size_t>(4 * cells), 0);
   if (a.Info & kV2Palette) image.Indices.assign(static_cast<size_t>(cells), 0);
-  GrfV2Result result = GrfV2Result::Ok;
+  GrfResult result = GrfResult::Ok;
   if (a.Info & kV2Tile)
     result = PlaceTiles(raw, a, image);
   else
     PutPixels(raw.data(), cells, 0, image);
-  if (result != GrfV2Result::Ok) image = GrfV2Image{};
+  if (result != GrfResult::Ok) image = SpritePicture{};
   return result;
 }
 

@@ -40,7 +40,7 @@ constexpr uint8_t kZoomLevels = 6;
 constexpr int64_t kV2MaxImageBytes = 64 * 1024 * 1024;
 
 // Every way reading or decoding can end or go wrong; one table of texts (GrfV2Text).
-enum class GrfV2Result : uint8_t {
+enum class GrfResult : uint8_t {
   Ok,
   // The index stops here.
   NotVersion2,           // no version-2 signature
@@ -63,19 +63,25 @@ enum class GrfV2Result : uint8_t {
   StreamOverrun,  // the stream passes its decompressed size
   StreamShort,    // the stream ends before its decompressed size
   TileOutside,    // a tile row offset or run outside the decompressed data or the image
+  // A version-1 record that cannot be taken in: "Error! Out of buffer size!".
+  OutOfBuffer,
 };
 
 // One problem found, with where it lies. Fields that do not apply are 0.
-struct GrfV2Problem {
-  GrfV2Result Kind = GrfV2Result::Ok;
+struct GrfProblem {
+  GrfResult Kind = GrfResult::Ok;
   int64_t Position = 0;  // byte in the file
   int32_t Sprite = 0;    // sprite number, from 1
   uint32_t Id = 0;
   int64_t Value = 0;  // the value at fault: compression byte, zoom, size, info byte
 };
 
+// The names the tests of the version-2 reader know them by.
+using GrfV2Result = GrfResult;
+using GrfV2Problem = GrfProblem;
+
 // The text of a problem, as the message list and standard error show it.
-std::string GrfV2Text(const GrfV2Problem& problem);
+std::string GrfV2Text(const GrfProblem& problem);
 
 // One data-section entry: sprite number i + 1 is Sprites[i].
 struct GrfV2Sprite {
@@ -106,9 +112,9 @@ struct GrfV2Alternative {
 struct GrfV2Index {
   std::vector<GrfV2Sprite> Sprites;
   std::vector<GrfV2Alternative> Alternatives;
-  std::vector<GrfV2Problem> Problems;  // the first kV2KeptProblems
-  int64_t ProblemCount = 0;            // all of them
-  GrfV2Result End = GrfV2Result::Ok;   // the first fault that stopped a section, or Ok
+  std::vector<GrfProblem> Problems;  // the first kV2KeptProblems
+  int64_t ProblemCount = 0;          // all of them
+  GrfResult End = GrfResult::Ok;     // the first fault that stopped a section, or Ok
 };
 constexpr size_t kV2KeptProblems = 1000;
 // Problems raised through the message callback; a last message counts the rest.
@@ -119,8 +125,8 @@ bool IsGrfV2(const uint8_t* file, size_t length);
 
 // Indexes both sections into `index` (replacing what it held) and gives its End. Each problem is
 // raised through `message` as it is found, up to kV2ProblemMessages.
-GrfV2Result IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
-                       const MessageFn& message);
+GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
+                     const MessageFn& message);
 
 // Names: "normal", "in4", "in2", "out2", "out4", "out8"; "zoom N" for others.
 std::string ZoomName(uint8_t zoom);
@@ -141,18 +147,8 @@ std::string AlternativeNames(const GrfV2Index& index, const GrfV2Sprite& s);
 int32_t ChooseAlternative(const GrfV2Index& index, const GrfV2Sprite& s, int32_t zoom,
                           int32_t depth);
 
-// What the sprite list and the labels show for a sprite through one of its alternatives (-1:
-// none). Data shows as an action sprite does: its bytes as Width and Size, Height 1, Flags 255.
-struct GrfV2Facts {
-  int64_t Width = 0;
-  int64_t Height = 0;
-  int64_t Size = 0;        // bytes of the picture: Width x Height x pixel size
-  int64_t Compressed = 0;  // bytes of its stream in the file
-  int32_t XOffset = 0;
-  int32_t YOffset = 0;
-  uint8_t Flags = 0;  // the info byte
-};
-GrfV2Facts SpriteFacts(const GrfV2Index& index, const GrfV2Sprite& s, int32_t alternative);
+// Bytes of the alternative's picture: every cell with every layer it has.
+int64_t PictureBytes(const GrfV2Alternative& a);
 
 // The figures of the status text: stream bytes and picture bytes of every alternative, data
 // counted in both alike.
@@ -166,7 +162,7 @@ GrfV2Totals IndexTotals(const GrfV2Index& index);
 // image has none; 0 where no tile run covers), top row first, for an image with RGB. Indices holds
 // Width x Height palette indices for an image with a palette layer: its pixels for an 8-bit image,
 // the mask layer beside Rgba.
-struct GrfV2Image {
+struct SpritePicture {
   int32_t Width = 0;
   int32_t Height = 0;
   int32_t XOffset = 0;
@@ -177,13 +173,15 @@ struct GrfV2Image {
   std::vector<uint8_t> Indices;
 };
 
+using GrfV2Image = SpritePicture;
+
 // Decodes one alternative from the file's bytes into `image` (which is replaced; on failure it is
 // left empty). Never reads outside the alternative's entry.
-GrfV2Result DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
-                              GrfV2Image& image);
+GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
+                            SpritePicture& image);
 
 // The text of a decoding result for an alternative.
-std::string DecodeText(GrfV2Result result, const GrfV2Alternative& a);
+std::string DecodeText(GrfResult result, const GrfV2Alternative& a);
 
 // The chunk viewer's list for a sprite through one of its alternatives (-1: none): the chunks of
 // its stream, or one action-sprite line for data. Further lines come from NextChunkLineIn.

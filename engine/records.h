@@ -75,6 +75,7 @@ StepEnd StepChunks(const Reader& file, int64_t& pos, int64_t size);
 struct WalkOutcome {
   int32_t Count = 0;
   bool Refused = false;
+  int64_t Position = 0;  // where the walk stopped: the refused record, or the end
 };
 
 // One record as the walk met it. Body is where its data (an action sprite) or its chunk stream
@@ -94,7 +95,7 @@ WalkOutcome WalkRecords(const Reader& file, const WalkRules& rules, int32_t maxR
                         Visit&& visit) {
   WalkOutcome out;
   int64_t pos = 0;
-  while (pos < file.End) {
+  while ((out.Position = pos) < file.End) {
     WalkedRecord r{pos, pos, ReadRecordHead(file, pos, rules), false};
     if (r.Head.Kind == HeadKind::End) return out;
     if (r.Head.Kind == HeadKind::Cut || out.Count == maxRecords) {

@@ -122,9 +122,7 @@ void frmChunk::closeEvent(QCloseEvent* event) {
 
 void frmChunk::Form_Unload() {
   ++fillNumber_;
-  EraseChunkScan(Scan);
-  Version2 = false;
-  V2 = GrfV2Index{};
+  CloseGrfFile(File);
   SpriteMax = -1;
 }
 
@@ -140,22 +138,8 @@ void frmChunk::mnuClose_Click() {
 }
 
 void frmChunk::ScanGRF() {
-  const ScanOutcome outcome = ::ScanGRF(FileName, Scan);
-  int32_t count = outcome.Count;
-  // The walk of version 1 finds no record in a version-2 file: its first word is 0.
-  Version2 =
-      outcome.End == ScanEnd::Complete && IsGrfV2(Scan.FileData.data(), Scan.FileData.size());
-  V2 = GrfV2Index{};
-  if (Version2) {
-    IndexGrfV2(Scan.FileData.data(), Scan.FileData.size(), V2, nullptr);
-    count = static_cast<int32_t>(std::min<size_t>(V2.Sprites.size(), INT32_MAX));
-    // A section cut short is told as an overrun is; the sprites before it stay.
-    for (const GrfV2Problem& p : V2.Problems) {
-      if (p.Kind != V2.End) continue;
-      MsgBox(GrfV2Text(p));
-      break;
-    }
-  }
+  const ScanOutcome outcome = ScanGrfFile(FileName, File);
+  const int32_t count = SpriteCount(File);
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
       // Nothing else in the viewer sets the title, so it stays until the window closes.
@@ -184,15 +168,17 @@ void frmChunk::scrSprite_Change() {
   const uint32_t fill = ++fillNumber_;
   Li->Clear();
   Li->setVisible(false);
-  ChunkCursor cursor = StartList(v <= SpriteMax ? v : -1);
-  ChunkLine line;
+  const int32_t sprite = v <= SpriteMax ? v : -1;
+  ChunkCursor cursor = StartChunks(File, sprite, DefaultAlternative(File, sprite));
+  ChunkRecord chunk;
   while (!cursor.Done) {
     if (!cursor.Action) {
       DoEvents();
       // A newer position, a scan or a close has taken the list over: this fill adds nothing more.
       if (fill != fillNumber_) return;
     }
-    if (!NextLine(cursor, line)) break;
+    if (!NextChunk(File, cursor, chunk)) break;
+    const ChunkLine line = LineOf(chunk);
     Li->AddItem(line.Text);
     Li->SetItemData(Li->NewIndex(), line.ItemData);
   }
@@ -201,16 +187,4 @@ void frmChunk::scrSprite_Change() {
 
 void frmChunk::scrSprite_Scroll() {
   scrSprite_Change();
-}
-
-ChunkCursor frmChunk::StartList(int32_t v) const {
-  if (!Version2) return StartChunkList(Scan, v);
-  if (v < 0 || static_cast<size_t>(v) >= V2.Sprites.size()) return ChunkCursor{};
-  const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
-  return StartV2ChunkList(V2, s, s.Default);
-}
-
-bool frmChunk::NextLine(ChunkCursor& cursor, ChunkLine& line) const {
-  if (!Version2) return NextChunkLine(Scan, cursor, line);
-  return NextChunkLineIn(Scan.FileData.data(), Scan.FileData.size(), cursor, line);
 }

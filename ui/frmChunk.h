@@ -8,8 +8,7 @@
 
 #include <QMainWindow>
 
-#include "chunks.h"
-#include "grf2.h"
+#include "grffile.h"
 
 class QAction;
 class QCloseEvent;
@@ -41,11 +40,10 @@ class frmChunk : public QMainWindow {
   void BuildForm();
 
   std::string FileName;
-  ChunkScan Scan;  // FileData, SpriteOffset, SpriteSize, SpriteFlags, FileLength
-  // A file of container version 2 is indexed beside the scan; each sprite lists the chunks of its
-  // default picture.
-  bool Version2 = false;
-  GrfV2Index V2;
+  // The viewer's own reading of its own copy of the file. Each sprite lists the chunks of its
+  // default picture; a version-1 file's tables are the scan's.
+  GrfFile File;
+  ChunkScan& Scan = File.Scan;  // FileData, SpriteOffset, SpriteSize, SpriteFlags, FileLength
   std::unique_ptr<clsFileDialog> FileDialog;
   // The highest sprite index the last usable scan offered: Count - 1, so -1 when it found none.
   // The scroll bar cannot go below 0; positions above this list nothing.
@@ -74,10 +72,6 @@ class frmChunk : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  // Where the list of sprite v starts, in whichever version the file has.
-  ChunkCursor StartList(int32_t v) const;
-  bool NextLine(ChunkCursor& cursor, ChunkLine& line) const;
-
   // Raised by every fill that starts, by Form_Unload and by BuildForm: a fill that sees it move
   // while events run has been overtaken and leaves the list to whoever moved it.
   uint32_t fillNumber_ = 0;

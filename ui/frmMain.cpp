@@ -77,15 +77,7 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::EraseStores() {
-  Store.SpriteData.clear();
-  Store.SpriteTable = {};
-  CloseVersion2();
-}
-
-void frmMain::CloseVersion2() {
-  Version2 = false;
-  FileData = {};
-  V2 = GrfV2Index{};
+  CloseGrfFile(File);
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -99,15 +91,33 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 bool frmMain::DrawSprite(int32_t Index) {
-  if (Version2) return DrawV2Sprite(Index);
-  // A version-1 table never holds more than 32,767 records.
-  if (Index < 0 || Index > INT16_MAX) return false;
-  if (!::DrawSprite(picSprite->Image(), Store, static_cast<int16_t>(Index), Palette,
-                    Left(scrSprite), ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()),
-                    Magnification))
-    return false;
+  if (Index < 0 || Index >= SpriteCount(File)) return false;
+  const int32_t shown = ShownAlternative(Index);
+  SpritePicture picture;
+  const GrfResult result = PictureOf(File, Index, shown, picture);
+  // A picture that cannot be decoded leaves the area blank, and says why once.
+  if (result != GrfResult::Ok && reported_.insert({Index, shown}).second) {
+    AddMessage("Sprite " + std::to_string(int64_t{Index} + 1) + ": " +
+               PictureProblem(File, Index, shown, result));
+    Li->SetListIndex(0);
+  }
+  const bool mask = View.Mask && !picture.Rgba.empty() &&
+                    picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
+  const QImage image =
+      mask ? IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, Palette)
+           : ImageBitmap(picture, Palette);
+  PaintPicture(picSprite->Image(), image, picture.XOffset, picture.YOffset, Left(scrSprite),
+               ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()), View.Magnification);
   picSprite->Refresh();
   return true;
+}
+
+int32_t frmMain::ShownAlternative(int32_t sprite) const {
+  if (View.Zoom >= 0) {
+    const int32_t chosen = FindAlternative(File, sprite, View.Zoom, View.Depth);
+    if (chosen >= 0) return chosen;
+  }
+  return DefaultAlternative(File, sprite);
 }
 
 void frmMain::AddMessage(const std::string& text) {
@@ -126,57 +136,54 @@ void frmMain::LoadGRF() {
   SetCaption(this, "Loading GRF file to memory...");
   DoEvents();
 
-  FileReadResult file = ReadWholeFile(FileName);
-  if (!file.Ok) {
-    SetCaption(this, ReadFailureText(file.ErrorNumber, file.Description, FileName));
+  GrfLoad load;
+  const OpenOutcome read = ReadForLoad(FileName, load);
+  if (read.End == OpenEnd::ReadFailure) {
+    SetCaption(this, read.Message);
     return;
   }
-  const auto length = static_cast<int32_t>(file.Bytes.size());
-  if (length < kMinFileSize) {
-    MsgBox(kMsgTooSmall, "Error", MsgBoxIcon::Exclamation);
-    return;
-  }
-  if (IsGrfV2(file.Bytes.data(), file.Bytes.size())) {
-    LoadGRFV2(std::move(file.Bytes), start);
+  if (read.End == OpenEnd::TooSmall) {
+    MsgBox(read.Message, "Error", MsgBoxIcon::Exclamation);
     return;
   }
   setEnabled(false);
-  // A version-1 file replaces the version-2 file that was open, if any.
-  CloseVersion2();
 
   SetCaption(this, "Getting number of sprites...");
   DoEvents();
-  const int16_t counted = CountSprites(file.Bytes.data(), length, ShowMessage);
+  // A record that cannot be taken in is a message box; a version-2 file's problems are lines of
+  // their own, and the rest of the file stays browsable.
+  CountSprites(load, File, ShowMessage, [this](const std::string& m) { AddMessage(m); });
 
   SetCaption(this, "Reserving memory (and unloading previous data if any)...");
   DoEvents();
-  ReserveStore(Store, counted);
+  ReserveSprites(load, File);
   AddMessage(PreparedMessage(GetTickCount() - start));
 
   start = GetTickCount();
   SetCaption(this, "Processing sprites...");
   DoEvents();
-  std::vector<uint8_t> rowBuffer(kRowBufferSize);
-  const DecodeTotals totals =
-      DecodeSprites(file.Bytes.data(), length, Store, rowBuffer.data(), ShowMessage);
-  AddMessage(LoadedMessage(totals.Count, GetTickCount() - start));
+  DecodeSprites(load, File, ShowMessage);
+  reported_.clear();
+  const int32_t count = SpriteCount(File);
+  AddMessage(LoadedMessage(count, GetTickCount() - start));
 
-  SetCaption(lblStatus, StatusText(FileName, totals.CompressedTotal, totals.DecodedTotal, length));
-  ChosenZoom = -1;
-  ChosenDepth = 0;
+  SetCaption(lblStatus,
+             StatusText(FileName, File.CompressedTotal, File.DecodedTotal, File.FileLength));
+  View.Zoom = -1;
+  View.Depth = 0;
 
-  scrSprite->SetMax(totals.Count - 1);
+  scrSprite->SetMax(count - 1);
   scrSprite_Change();
   DoEvents();
 
-  file.Bytes = {};
-  CutStore(Store, totals.WritePosition);
+  FinishLoad(load, File);
 
   lvwSprite->Clear();
   lvwSprite->setVisible(false);
-  const auto rows = static_cast<int32_t>(Store.SpriteTable.size());
-  for (int32_t i = 1; i <= rows; ++i)
-    AddSpriteRow(SpriteRow(i - 1, Store.SpriteTable[static_cast<size_t>(i - 1)]));
+  for (int32_t i = 1; i <= count; ++i) {
+    const SpriteFacts f = FactsOf(File, i - 1, DefaultAlternative(File, i - 1));
+    AddSpriteRow(SpriteRow(i - 1, f.Width, f.Height, f.Size, f.Flags));
+  }
   lvwSprite->setVisible(true);
 
   AddMessage(FileLoadedMessage(FileName));
@@ -187,10 +194,14 @@ void frmMain::LoadGRF() {
 void frmMain::SaveGRF() {}
 
 void frmMain::scrSprite_Change() {
-  const int32_t Value = scrSprite->Value();
+  View.Sprite = scrSprite->Value();
+  ShowView();
+}
+
+void frmMain::ShowView() {
+  const int32_t v = View.Sprite;
   Offer = PictureOffer{};
-  const size_t count = Version2 ? V2.Sprites.size() : Store.SpriteTable.size();
-  if (Value < 0 || static_cast<size_t>(Value) >= count) {
+  if (v < 0 || v >= SpriteCount(File)) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.
     picSprite->SetBackColor(picSprite->BackColor());
     picSprite->Refresh();
@@ -199,26 +210,25 @@ void frmMain::scrSprite_Change() {
     UpdateViewItems();
     return;
   }
-  if (Version2) {
-    ShowV2Sprite(Value);
-    UpdateViewItems();
-    return;
-  }
-  DrawSprite(Value);
-  const SpriteRecord& r = Store.SpriteTable[static_cast<size_t>(Value)];
-  // A version-1 sprite has one picture: normal zoom, 8 bits a pixel.
-  if (r.Flags != kActionFlags) {
-    Offer.Zooms[kZoomNormal] = true;
-    Offer.Depth8 = true;
-    Offer.Zoom = kZoomNormal;
-    Offer.Depth = 8;
+  DrawSprite(v);
+  const int32_t shown = ShownAlternative(v);
+  for (int32_t k = 0; k < AlternativeCount(File, v); ++k) {
+    const AlternativeInfo a = AlternativeOf(File, v, k);
+    if (a.Data) continue;
+    Offer.Zooms[a.Zoom] = true;
+    (a.Depth == 32 ? Offer.Depth32 : Offer.Depth8) = true;
+    if (k != shown) continue;
+    Offer.Zoom = a.Zoom;
+    Offer.Depth = a.Depth;
+    Offer.Mask = a.Mask;
   }
   UpdateViewItems();
-  SetCaption(this, ViewingCaption(Value, r));
-  SetCaption(lblFlags, FlagsText(r));
-  SetCaption(lblSize, std::to_string(r.Size));
-  SetCaption(lblCompressed, std::to_string(r.CompressedSize));
-  SetCaption(lblOffset, OffsetText(r));
+  const SpriteFacts f = FactsOf(File, v, shown);
+  SetCaption(this, ViewingCaption(v, f.Width, f.Height));
+  SetCaption(lblFlags, FlagsText(f.Flags));
+  SetCaption(lblSize, std::to_string(f.Size));
+  SetCaption(lblCompressed, std::to_string(f.Compressed));
+  SetCaption(lblOffset, OffsetText(f.XOffset, f.YOffset));
 }
 
 void frmMain::scrSprite_Scroll() {

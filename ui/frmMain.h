@@ -5,15 +5,16 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QMainWindow>
 
 #include "filedialog.h"
 #include "frmChunk.h"
-#include "grf.h"
-#include "grf2.h"
+#include "grffile.h"
 #include "palette.h"
 #include "text.h"
 
@@ -56,13 +57,10 @@ class frmMain : public QMainWindow {
 
   int hWnd();
 
-  // The sprite store, the palette and the file of the window.
-  SpriteStore Store;  // SpriteTable and SpriteData of a version-1 file
-  // A version-2 file is indexed when it opens and stays in memory: its pictures are decoded as
-  // they are shown.
-  bool Version2 = false;
-  std::vector<uint8_t> FileData;
-  GrfV2Index V2;
+  // The opened file, the palette and the file's name. A version-1 file's sprite store,
+  // SpriteTable and SpriteData, lives in the opened file and is the window's store.
+  GrfFile File;
+  SpriteStore& Store = File.Store;
   PaletteBuffer Palette{};
   std::string PaletteFile;
   std::string FileName;
@@ -72,14 +70,19 @@ class frmMain : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The chunk viewer, made by its first showing and kept until the program ends.
   std::unique_ptr<frmChunk> ChunkViewer;
-  // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across sprites,
-  // loads and New.
-  int32_t Magnification = 1;
-  // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing; a
-  // sprite without that picture shows its default one. A load starts from the defaults again.
-  int32_t ChosenZoom = -1;
-  int32_t ChosenDepth = 0;
-  PictureOffer Offer;
+  // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
+  struct ViewState {
+    int32_t Sprite = -1;
+    // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing;
+    // a sprite without that picture shows its default one. A load starts from the defaults.
+    int32_t Zoom = -1;
+    int32_t Depth = 0;
+    // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across
+    // sprites, loads and New.
+    int32_t Magnification = 1;
+    bool Mask = false;  // a 32-bit picture's mask layer instead of its colours
+  };
+  const ViewState& Viewing() const { return View; }
 
   // Controls, by their names.
   PictureBox* Client;  // the window's client area: background colour and banner
@@ -176,17 +179,16 @@ class frmMain : public QMainWindow {
   // The enabled and checked states of the View items for the sprite on view.
   void UpdateViewItems();
   void SetMagnification(int32_t magnification);
-  // The version-2 side of LoadGRF, DrawSprite and scrSprite_Change.
-  void LoadGRFV2(std::vector<uint8_t> bytes, int32_t start);
-  bool DrawV2Sprite(int32_t Index);
-  void ShowV2Sprite(int32_t Index);
-  // The alternative of sprite s to show: the chosen one where s has it, else its default.
-  int32_t ShownAlternative(const GrfV2Sprite& s) const;
-  // Alternatives whose failure to decode has been reported, so that browsing says it once.
-  std::vector<bool> reported_;
+  // Draws View's sprite and sets the caption, the labels and the View items from View.
+  void ShowView();
+  // The alternative of a sprite to show: the chosen one where it has it, else its default.
+  int32_t ShownAlternative(int32_t sprite) const;
+  ViewState View;
+  PictureOffer Offer;
+  // Pictures (sprite, alternative) whose failure to decode has been reported, so that browsing
+  // says it once.
+  std::set<std::pair<int32_t, int32_t>> reported_;
   void EraseStores();
-  // Lets go of the version-2 file and its index, if one is open.
-  void CloseVersion2();
   // What Open and Save As do first: the dialog object, its folder and its owner.
   void PrepareFileDialog();
   void AddMessage(const std::string& text);

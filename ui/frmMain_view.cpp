@@ -81,18 +81,19 @@ void frmMain::BuildViewItems() {
 }
 
 void frmMain::SetMagnification(int32_t magnification) {
-  Magnification = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+  View.Magnification = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+  // The facts stay as they are: only the picture and the magnifier's items change.
   DrawSprite(scrSprite->Value());
   UpdateViewItems();
 }
 
 void frmMain::mnuZoomIn_Click() {
-  const auto* next = std::upper_bound(std::begin(kSteps), std::end(kSteps), Magnification);
+  const auto* next = std::upper_bound(std::begin(kSteps), std::end(kSteps), View.Magnification);
   if (next != std::end(kSteps)) SetMagnification(*next);
 }
 
 void frmMain::mnuZoomOut_Click() {
-  const auto* next = std::lower_bound(std::begin(kSteps), std::end(kSteps), Magnification);
+  const auto* next = std::lower_bound(std::begin(kSteps), std::end(kSteps), View.Magnification);
   if (next != std::begin(kSteps)) SetMagnification(*(next - 1));
 }
 
@@ -101,44 +102,39 @@ void frmMain::mnuActualSize_Click() {
 }
 
 // A zoom level at the depth on view where the sprite has it, else at the depth it has; a depth
-// at the zoom level on view, else at the sprite's level nearest to normal. A version-1 sprite has
-// its one picture. Either way the sprite is shown anew with its facts, and the items follow.
+// at the zoom level on view, else at the sprite's level nearest to normal. Either way the sprite
+// is shown anew with its facts, and the items follow.
 void frmMain::mnuLevel_Click(int32_t zoom) {
-  const int32_t v = scrSprite->Value();
-  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
-    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
-    int32_t a = ChooseAlternative(V2, s, zoom, Offer.Depth);
-    if (a < 0) a = ChooseAlternative(V2, s, zoom, 0);
-    if (a >= 0) {
-      ChosenZoom = zoom;
-      ChosenDepth = AlternativeDepth(V2.Alternatives[static_cast<size_t>(a)]);
-    }
+  const int32_t v = View.Sprite;
+  int32_t a = FindAlternative(File, v, zoom, Offer.Depth);
+  if (a < 0) a = FindAlternative(File, v, zoom, 0);
+  if (a >= 0) {
+    View.Zoom = zoom;
+    View.Depth = AlternativeOf(File, v, a).Depth;
   }
-  scrSprite_Change();
+  ShowView();
 }
 
 void frmMain::mnuDepth_Click(int32_t bits) {
-  const int32_t v = scrSprite->Value();
-  if (Version2 && v >= 0 && static_cast<size_t>(v) < V2.Sprites.size()) {
-    const GrfV2Sprite& s = V2.Sprites[static_cast<size_t>(v)];
-    int32_t a = ChooseAlternative(V2, s, Offer.Zoom, bits);
-    if (a < 0) a = ChooseAlternative(V2, s, -1, bits);
-    if (a >= 0) {
-      ChosenZoom = V2.Alternatives[static_cast<size_t>(a)].Zoom;
-      ChosenDepth = bits;
-    }
+  const int32_t v = View.Sprite;
+  int32_t a = FindAlternative(File, v, Offer.Zoom, bits);
+  if (a < 0) a = FindAlternative(File, v, -1, bits);
+  if (a >= 0) {
+    View.Zoom = AlternativeOf(File, v, a).Zoom;
+    View.Depth = bits;
   }
-  scrSprite_Change();
+  ShowView();
 }
 
 void frmMain::mnuMaskLayer_Click() {
-  scrSprite_Change();
+  View.Mask = !View.Mask;
+  ShowView();
 }
 
 void frmMain::UpdateViewItems() {
-  mnuZoomIn->setEnabled(Magnification < kMaxMagnification);
-  mnuZoomOut->setEnabled(Magnification > kMinMagnification);
-  mnuActualSize->setEnabled(Magnification != 1);
+  mnuZoomIn->setEnabled(View.Magnification < kMaxMagnification);
+  mnuZoomOut->setEnabled(View.Magnification > kMinMagnification);
+  mnuActualSize->setEnabled(View.Magnification != 1);
 
   for (int32_t zoom = 0; zoom < kZoomLevels; ++zoom) {
     QAction* item = mnuLevel[static_cast<size_t>(zoom)];
@@ -151,4 +147,5 @@ void frmMain::UpdateViewItems() {
   mnuDepth32->setChecked(Offer.Depth == 32);
   // The wish to see the mask stays while browsing; only a picture with one can show it.
   mnuMaskLayer->setEnabled(Offer.Mask);
+  mnuMaskLayer->setChecked(View.Mask);
 }

@@ -132,7 +132,7 @@ TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
       {"0001-32bpp-in4.png", {"--zoom", "in4"}}};
   for (const auto& [name, options] : chosen) {
     const std::string png = (dir / "sprite.png").string();
-    std::vector<std::string> args = {"sprite", grf, "1", "--png", png};
+    std::vector<std::string> args = {"sprite", grf, "1", "--png", png, "--force"};
     args.insert(args.end(), options.begin(), options.end());
     ASSERT_EQ(RunCli(args).Status, 0) << name;
     EXPECT_EQ(QImage(QString::fromStdString(png)).convertToFormat(QImage::Format_ARGB32),

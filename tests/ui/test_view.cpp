@@ -49,7 +49,7 @@ bool Shows(frmMain& form, const Image2& im, bool indexLayer) {
   }
   QImage canvas(form.picSprite->Image().size(), QImage::Format_RGB32);
   PaintPicture(canvas, source, im.x, im.y, Left(form.scrSprite), ScaleHeight(form.picSprite),
-               Qt::white, form.Magnification);
+               Qt::white, form.Viewing().Magnification);
   return form.picSprite->Image() == canvas;
 }
 
@@ -114,12 +114,12 @@ TEST(Version2,
     EXPECT_EQ(Caption(form.Form.get()),
               "Viewing sprite " + std::to_string(s.Sprite + 1) + " (" + s.Size + ")");
     EXPECT_EQ(Items(*form), s.Items);
-    EXPECT_EQ(form->Magnification, s.Magnification);
+    EXPECT_EQ(form->Viewing().Magnification, s.Magnification);
     EXPECT_EQ(form->mnuActualSize->isEnabled(), s.Magnification != 1);
     EXPECT_TRUE(s.Picture == nullptr || Shows(*form, *s.Picture, s.Palette));
   }
   for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
-  EXPECT_EQ(form->Magnification, 16);
+  EXPECT_EQ(form->Viewing().Magnification, 16);
   EXPECT_FALSE(form->mnuZoomIn->isEnabled());
 
   // A stream that cannot be decoded is told once however often it is shown, and the area stays

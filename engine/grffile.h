@@ -1,0 +1,137 @@
+// One opened GRF file, whatever its container. The windows and the CLI hold a GrfFile and ask it:
+// how many sprites, each sprite's facts and alternatives, a picture, a chunk list, the problems
+// found. Only the engine knows how the container stores them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "chunks.h"
+#include "grf.h"
+#include "grf2.h"
+
+enum class SpriteKind : uint8_t {
+  Picture,  // a real sprite: pixels in one or more alternatives
+  Pseudo,   // a pseudo-sprite: action data
+  Data,     // non-image data in place of a picture, such as a sound
+};
+
+// One alternative of a sprite: a picture at a zoom level and colour depth, or non-image data.
+struct AlternativeInfo {
+  uint8_t Zoom = kZoomNormal;
+  uint8_t Depth = 8;  // 8 or 32
+  bool Mask = false;  // a 32-bit picture with a mask layer
+  bool Data = false;
+};
+
+// What the list, the labels and the CLI show for a sprite through one of its alternatives. Data
+// shows as an action sprite does: its bytes as Width and Size, Height 1, Flags 255.
+struct SpriteFacts {
+  SpriteKind Kind = SpriteKind::Picture;
+  int64_t Width = 0;
+  int64_t Height = 0;
+  int64_t Size = 0;        // decoded bytes
+  int64_t Compressed = 0;  // bytes in the file
+  int32_t XOffset = 0;
+  int32_t YOffset = 0;
+  uint8_t Flags = 0;  // the flags byte, or the info byte
+};
+
+struct GrfFile {
+  std::string Path;
+  uint8_t Container = 0;  // 1 or 2, to tell the user; 0 while nothing is open
+  // Sprites come in zoom levels and colour depths, so lists and facts name the alternative.
+  bool HasAlternatives = false;
+  int64_t FileLength = 0;
+  int32_t Sprites = 0;
+  int64_t CompressedTotal = 0;
+  int64_t DecodedTotal = 0;
+  int32_t PrepareTicks = 0;  // reading, counting and reserving, in milliseconds
+  int32_t DecodeTicks = 0;
+  // Every problem found by the load or the scan, with where it lies.
+  std::vector<GrfProblem> Problems;
+  int64_t ProblemCount = 0;
+
+  // Version 1 through the loader: the sprite store.
+  SpriteStore Store;
+  // Version 1 through the chunk viewer's own walk.
+  ChunkScan Scan;
+  // Version 2: the index, and the file's bytes.
+  std::vector<uint8_t> Bytes;
+  GrfV2Index Index;
+};
+
+// How reading a file for a load or a scan ends.
+enum class OpenEnd : uint8_t { Ok, ReadFailure, TooSmall };
+struct OpenOutcome {
+  OpenEnd End = OpenEnd::Ok;
+  std::string Message;  // the window's title after a read failure, or the too-small text
+};
+
+// One load, step by step, so that a window can show its captions and let events run between the
+// steps. The file's bytes live here until FinishLoad.
+struct GrfLoad {
+  std::string Path;
+  std::vector<uint8_t> Bytes;
+  bool Version2 = false;
+  int16_t Counted = 0;
+  DecodeTotals Totals;
+};
+
+// Reads the whole file; refuses fewer than 17 bytes.
+OpenOutcome ReadForLoad(const std::string& path, GrfLoad& load);
+// Counts the sprites. A version-2 file lets go of the file open before (two large files are never
+// held together) and is indexed now, each problem through `note`. A version-1 record that cannot
+// be taken in raises `stop`.
+void CountSprites(GrfLoad& load, GrfFile& file, const MessageFn& stop, const MessageFn& note);
+// Makes the store anew; the file open before is let go here.
+void ReserveSprites(GrfLoad& load, GrfFile& file);
+// Decodes every sprite of a version-1 file; a version-2 file is decoded as its pictures are asked.
+void DecodeSprites(GrfLoad& load, GrfFile& file, const MessageFn& stop);
+// Drops what only the load needed.
+void FinishLoad(GrfLoad& load, GrfFile& file);
+// All steps at once, for callers without a window; the ticks are filled.
+OpenOutcome LoadGrfFile(const std::string& path, GrfFile& file, const MessageFn& stop,
+                        const MessageFn& note);
+
+// The chunk viewer's reading: the file's bytes, walked by the chunk scanner (version 1) or
+// indexed (version 2). ReadFailure leaves `file` as it was; TooSmall keeps the earlier tables
+// beside the new bytes, as the viewer has always done.
+ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file);
+// Lets go of everything.
+void CloseGrfFile(GrfFile& file);
+
+int32_t SpriteCount(const GrfFile& file);
+int32_t AlternativeCount(const GrfFile& file, int32_t sprite);
+AlternativeInfo AlternativeOf(const GrfFile& file, int32_t sprite, int32_t alternative);
+// The alternative shown unless another is chosen: normal zoom, 32-bit before 8-bit, else the
+// nearest zoom. -1 for a pseudo-sprite or a sprite without pictures.
+int32_t DefaultAlternative(const GrfFile& file, int32_t sprite);
+// The sprite's alternative at `zoom` (-1: any) and `depth` (0: any) by the same order; -1 when
+// it has none such.
+int32_t FindAlternative(const GrfFile& file, int32_t sprite, int32_t zoom, int32_t depth);
+// "8bpp normal", "32bpp in4", "data"; and all of a sprite's, joined by ", ".
+std::string AlternativeText(const AlternativeInfo& a);
+std::string AlternativeList(const GrfFile& file, int32_t sprite);
+
+SpriteFacts FactsOf(const GrfFile& file, int32_t sprite, int32_t alternative);
+
+// The sprite's picture through one alternative (-1: none). Pseudo-sprites and data give their
+// bytes as one row of palette indices, as the design draws action sprites.
+GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
+                    SpritePicture& picture);
+// Why a picture could not be made.
+std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternative,
+                           GrfResult result);
+
+// The chunk list of a sprite through one alternative, chunk by chunk; a version-1 file lists
+// from the chunk viewer's scan. A cursor whose file has been rescanned or closed lists nothing.
+ChunkCursor StartChunks(const GrfFile& file, int32_t sprite, int32_t alternative);
+bool NextChunk(const GrfFile& file, ChunkCursor& cursor, ChunkRecord& chunk);
+std::vector<ChunkRecord> ChunksOf(const GrfFile& file, int32_t sprite, int32_t alternative);
+
+// The texts of the problems as the message list shows them, and the line that counts the
+// problems not shown one by one.
+std::string ProblemText(const GrfProblem& problem);
+std::string MoreProblemsText(int64_t count);
