@@ -99,8 +99,8 @@ TEST(Cli, Transcript) {
   // Through a link, as installed, the palette beside the real program is found.
   fs::remove(tmp + "/vossel-cli-link");
   fs::create_symlink(VOSSEL_CLI_PATH, tmp + "/vossel-cli-link");
-  EXPECT_EQ(std::system((tmp + "/vossel-cli-link sprite " + tmp + "/kinds.grf 4 --png " + tmp +
-                         "/sprite.png 2>/dev/null")
+  EXPECT_EQ(std::system((tmp + "/vossel-cli-link sprite " + tmp + "/seventeen.grf 1 --png " + tmp +
+                         "/linked.png --force 2>/dev/null")
                             .c_str()),
             0);
 }
