@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <QStringDecoder>
 #include <QStringList>
+#include <QtEndian>
 
 namespace {
 
@@ -24,7 +25,7 @@ constexpr size_t kMaxOpenKeys = 4096;
 
 struct RegValue {
   QString Name;  // case-folded
-  uint32_t Type;
+  uint32_t Type = 0;
   QByteArray Data;  // as the A operations give it: strings in UTF-8
 };
 
@@ -40,12 +41,11 @@ std::map<uint32_t, OpenKey>& OpenKeys() {
 
 // Bytes as text: UTF-8 where they are that, else one character for each byte (Latin-1), so that
 // nothing is lost.
-QString Text(std::string_view bytes) {
+QString Text(QByteArrayView bytes) {
   QStringDecoder utf8(QStringDecoder::Utf8,
                       QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-  const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  QString text = utf8(view);
-  return utf8.hasError() ? QString::fromLatin1(view) : text;
+  QString text = utf8(bytes);
+  return utf8.hasError() ? QString::fromLatin1(bytes) : text;
 }
 
 // A key path case-folded, its names joined by one backslash: empty names (doubled or trailing
@@ -76,7 +76,7 @@ struct LineReader {
     if (bytes.isEmpty()) return false;  // the end, or a read error
     if (bytes.endsWith('\n')) bytes.chop(1);
     if (bytes.endsWith('\r')) bytes.chop(1);
-    line = Text(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
+    line = Text(bytes);
     return true;
   }
 };
@@ -159,8 +159,8 @@ bool ParseValue(QStringView line, LineReader& lines, RegValue& value) {
     const uint32_t number = rest.sliced(6, digits).toUInt(&ok, 16);
     if (digits == 0 || digits > 8 || !ok) return false;
     value.Type = REG_DWORD;
-    value.Data.clear();
-    for (int k = 0; k < 4; ++k) value.Data += static_cast<char>((number >> (8 * k)) & 0xFF);
+    value.Data.resize(sizeof number);
+    qToLittleEndian(number, value.Data.data());
     return true;
   }
   qsizetype at = 4;
