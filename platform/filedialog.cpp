@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -16,18 +17,6 @@
 #include "hwnd.h"
 
 namespace {
-
-// Every NUL ends a piece; empty pieces are kept.
-std::vector<std::string_view> SplitAtNul(std::string_view text) {
-  std::vector<std::string_view> pieces;
-  size_t start = 0;
-  for (size_t nul = text.find('\0'); nul != std::string_view::npos; nul = text.find('\0', start)) {
-    pieces.push_back(text.substr(start, nul - start));
-    start = nul + 1;
-  }
-  pieces.push_back(text.substr(start));
-  return pieces;
-}
 
 int32_t CallOnCopy(OPENFILENAME& r, int32_t (*dialog)(OPENFILENAMEA*)) {
   std::vector<char> filter, custom, file, fileTitle, initialDir, title, defExt, templateName;
@@ -101,25 +90,20 @@ bool clsFileDialog::FileOpen(std::string& Filename) {
   const std::string buffer = ofn_.lpstrFile.value_or("");
   std::string_view text = TrimBlanks(buffer);
   text = text.substr(0, text.find_last_not_of('\0') + 1);
-  const std::vector<std::string_view> pieces = SplitAtNul(text);
-  const std::string_view first = pieces[0];
+  const QByteArrayList pieces =
+      QByteArray(text.data(), static_cast<qsizetype>(text.size())).split('\0');
+  const std::string first = pieces[0].toStdString();
   if (first.empty()) return false;
-  const std::string_view second = pieces.size() > 1 ? pieces[1] : std::string_view();
-  if (second.empty() ||
-      (second.size() <= first.size() && first.substr(first.size() - second.size()) == second)) {
+  const std::string second = pieces.value(1).toStdString();
+  if (second.empty() || first.ends_with(second)) {
     Filename = first;
     return result;
   }
 
-  std::string folder(first);
-  if (folder.back() != '/') folder += '/';
+  const std::string folder = first.ends_with('/') ? first : first + '/';
   // The pieces are counted in full width: a name behind any number of empty pieces is taken.
-  for (size_t i = 1; i < pieces.size(); ++i) {
-    if (pieces[i].empty()) continue;
-    Filename += '|';
-    Filename += folder;
-    Filename += pieces[i];
-  }
+  for (const QByteArray& name : pieces.sliced(1))
+    if (!name.isEmpty()) Filename += '|' + folder + name.toStdString();
   Filename.erase(0, 1);
   return result;
 }

@@ -1,20 +1,17 @@
 #include "process.h"
 
-#include <unistd.h>
-
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 
 void DoEvents() {
   if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents();
 }
 
 bool ChDir(const std::string& folder) {
-  if (folder.empty()) return false;
-  return chdir(folder.c_str()) == 0;
+  return !folder.empty() && QDir::setCurrent(QFile::decodeName(folder.c_str()));
 }
 
 std::string CurDir() {
-  char buffer[4096];
-  if (getcwd(buffer, sizeof buffer) == nullptr) return {};
-  return buffer;
+  return QFile::encodeName(QDir::currentPath()).toStdString();
 }

@@ -35,7 +35,8 @@ std::string GetRegString(uint32_t hKey, const std::string& SubKey, const std::st
 // to case. In a 64-bit prefix, keys under Software are looked for first where a 32-bit program
 // finds them, under Software\Wow6432Node. String values (REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ)
 // come out as UTF-8, their size in those bytes, a stored NUL as one byte; string data given as
-// hex bytes is UTF-16LE, and an odd last byte is dropped.
+// hex bytes is UTF-16LE, and an odd last byte is dropped. A line of the file that is not UTF-8 is
+// read as Latin-1.
 int32_t RegOpenKeyA(uint32_t hKey, const char* SubKey, uint32_t* Result);
 // Data == nullptr asks for type and size only. Reserved must be nullptr.
 int32_t RegQueryValueExA(uint32_t hKey, const char* ValueName, uint32_t* Reserved, uint32_t* Type,

@@ -1,5 +1,8 @@
 // vossel: the desktop program. `vossel FILE` opens FILE at start, as Open would.
 #include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -10,12 +13,24 @@
 #include "frmMain.h"
 #include "text.h"
 
-int main(int argc, char** argv) {
-  QApplication app(argc, argv);
-  QApplication::setApplicationName(QString::fromLatin1(kAppTitle));
-  QApplication::setApplicationVersion(QString::fromLatin1(kAppVersion));
-  QGuiApplication::setDesktopFileName(QStringLiteral("vossel"));
+namespace {
 
+// Whether the command line asks for --help or --version. Those answer without a display, so a
+// core application is enough for them.
+bool AsksHelpOrVersion(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "--") break;
+    for (const std::string_view name : {"-h", "-?", "--help", "-v", "--version"})
+      if (argument == name) return true;
+  }
+  return false;
+}
+
+// Reads the application's command line into `file`, made absolute before the start moves the
+// current directory. Gives the status to end with when the program is not to go on: --help and
+// --version end it through the parser, wrong usage with status 2, as for vossel-cli.
+std::optional<int> ParseCommandLine(std::string& file) {
   QCommandLineParser parser;
   parser.setApplicationDescription(
       QStringLiteral("Looks into GRF files, the sprite collections of "
@@ -24,7 +39,6 @@ int main(int argc, char** argv) {
   const QCommandLineOption version = parser.addVersionOption();
   parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("a GRF file to open"),
                                QStringLiteral("[FILE]"));
-  // Wrong usage ends with status 2, as it does for vossel-cli.
   const bool parsed = parser.parse(QCoreApplication::arguments());
   const QStringList files = parser.positionalArguments();
   if (!parsed || files.size() > 1) {
@@ -34,10 +48,24 @@ int main(int argc, char** argv) {
   }
   if (parser.isSet(help)) parser.showHelp();
   if (parser.isSet(version)) parser.showVersion();
-  // Made absolute before the start moves the current directory.
-  const std::string file =
-      files.isEmpty() ? std::string()
-                      : QFile::encodeName(QFileInfo(files[0]).absoluteFilePath()).toStdString();
+  if (!files.isEmpty())
+    file = QFile::encodeName(QFileInfo(files[0]).absoluteFilePath()).toStdString();
+  return std::nullopt;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QCoreApplication::setApplicationName(QString::fromLatin1(kAppTitle));
+  QCoreApplication::setApplicationVersion(QString::fromLatin1(kAppVersion));
+  std::string file;
+  if (AsksHelpOrVersion(argc, argv)) {
+    const QCoreApplication app(argc, argv);
+    return ParseCommandLine(file).value_or(0);
+  }
+  QApplication app(argc, argv);
+  QGuiApplication::setDesktopFileName(QStringLiteral("vossel"));
+  if (const std::optional<int> status = ParseCommandLine(file)) return *status;
 
   frmMain Form;
   // A refused palette has been reported and the window unloaded: it is never shown.

@@ -1,5 +1,6 @@
-# The program on the desktop: MIME type and drops offscreen; both programs' --version; and
-# the real program started with a file on a virtual X display, by an absolute and a relative name.
+# The program on the desktop: MIME type and drops offscreen; both programs' --version and vossel
+# --help; and the real program started with a file on a virtual X display, by an absolute and a
+# relative name.
 add_executable(test_ui_desktop
   ${CMAKE_CURRENT_SOURCE_DIR}/../platform/gui_test_main.cpp
   ${CMAKE_CURRENT_LIST_DIR}/test_desktop.cpp
@@ -18,9 +19,15 @@ add_test(NAME ui_smoke_open_relative_xvfb COMMAND ${VOSSEL_SMOKE_OPEN} ${VOSSEL_
 set_tests_properties(ui_smoke_open_xvfb ui_smoke_open_relative_xvfb
                      PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77)
 
+# --version and --help answer without any display.
 add_test(NAME ui_version COMMAND vossel --version)
+add_test(NAME ui_help COMMAND vossel --help)
 add_test(NAME cli_version COMMAND vossel-cli --version)
-set_tests_properties(ui_version PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen
-                                           PASS_REGULAR_EXPRESSION "(^|\n)Vossel ${PROJECT_VERSION}\n$")
+set_tests_properties(ui_version ui_help PROPERTIES ENVIRONMENT_MODIFICATION
+                     "QT_QPA_PLATFORM=unset:;DISPLAY=unset:;WAYLAND_DISPLAY=unset:")
+set_tests_properties(ui_version PROPERTIES
+                     PASS_REGULAR_EXPRESSION "(^|\n)Vossel ${PROJECT_VERSION}\n$")
+set_tests_properties(ui_help PROPERTIES
+                     PASS_REGULAR_EXPRESSION "^Usage: [^\n]*vossel \\[options\\] \\[FILE\\]\n")
 set_tests_properties(cli_version PROPERTIES PASS_REGULAR_EXPRESSION
                                             "^vossel-cli ${PROJECT_VERSION}\n$")
