@@ -9,6 +9,8 @@
 
 #include "grf_writer.h"
 
+namespace vossel {
+
 namespace {
 
 std::vector<uint8_t> ReadFile(const std::string& path) {
@@ -167,3 +169,5 @@ std::vector<uint8_t> V2DecodeFile(int references) {
   return grfw::V2File(std::vector<grfw::Bytes>(static_cast<size_t>(references), grfw::V2Ref(1)),
                       {grfw::V2Sprite(1, im)});
 }
+
+}  // namespace vossel

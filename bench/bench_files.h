@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace vossel {
+
 struct BenchFile {
   std::string Name;  // the file name without its extension, or the generated file's name
   std::vector<uint8_t> Bytes;
@@ -34,3 +36,5 @@ std::vector<uint8_t> V2ManySpritesFile(int count);
 // A version-2 file of one sprite: a 256 x 124 32-bit (RGBA and mask) image in tile form at 4x zoom,
 // about two thirds of it covered; with `references`, as many sprites that refer to it.
 std::vector<uint8_t> V2DecodeFile(int references = 1);
+
+}  // namespace vossel

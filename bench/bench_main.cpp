@@ -11,6 +11,8 @@
 #include "reference.h"
 #include "renderer.h"
 
+using namespace vossel;
+
 namespace {
 
 void RegisterFileCases(const std::string& name, std::vector<uint8_t> bytes) {

@@ -8,6 +8,8 @@
 #include "bench_files.h"
 #include "grf2.h"
 
+using namespace vossel;
+
 namespace {
 
 void RegisterOpen(const std::string& name, std::vector<uint8_t> bytes) {

@@ -15,6 +15,8 @@
 #include "listview.h"
 #include "scrollbar.h"
 
+using namespace vossel;
+
 namespace {
 
 std::string WriteBenchFile(const std::string& name, const std::vector<uint8_t>& bytes) {

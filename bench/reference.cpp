@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+namespace vossel {
+
 namespace {
 
 int32_t Word(const uint8_t* p) {
@@ -158,3 +160,5 @@ ReferenceLoad ReferenceDecode(const uint8_t* file, int32_t length, std::vector<u
   out.Data.resize(static_cast<size_t>(write));
   return out;
 }
+
+}  // namespace vossel

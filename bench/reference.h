@@ -7,6 +7,8 @@
 
 #include "grf.h"
 
+namespace vossel {
+
 struct ReferenceLoad {
   std::vector<SpriteRecord> Table;  // one entry per counted record; the first Count are decoded
   std::vector<uint8_t> Data;        // the decoded bytes, cut behind the last decoded sprite
@@ -17,3 +19,5 @@ struct ReferenceLoad {
 // Any bytes: nothing is read or written outside the buffers. `data` lends its storage to the
 // result's Data, as the window lends its store from one load to the next.
 ReferenceLoad ReferenceDecode(const uint8_t* file, int32_t length, std::vector<uint8_t> data = {});
+
+}  // namespace vossel

@@ -6,6 +6,8 @@
 
 #include "commands.h"
 
+namespace vossel {
+
 namespace {
 
 // An option of the command written where FILE or N belongs: "--png" or "--png=x".
@@ -121,3 +123,5 @@ bool ParseWish(const CommandArgs& args, AlternativeWish& wish, std::string& why)
   }
   return true;
 }
+
+}  // namespace vossel

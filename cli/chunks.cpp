@@ -6,6 +6,8 @@
 #include "fileio.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 const char kChunksUsage[] = "Usage: vossel-cli chunks FILE N [--zoom LEVEL] [--depth 8|32]\n";
@@ -54,3 +56,5 @@ int CmdChunks(const std::vector<std::string>& args) {
   }
   return LoadStatus(file);
 }
+
+}  // namespace vossel

@@ -11,6 +11,8 @@
 
 class QImage;
 
+namespace vossel {
+
 // Exit statuses.
 constexpr int kExitOk = 0;
 constexpr int kExitFailure = 1;  // the file cannot be read or is too small, a bad argument value
@@ -77,3 +79,5 @@ int CmdExport(const std::vector<std::string>& args);
 // The text chunks of an exported PNG that carry the sprite's offsets.
 inline constexpr const char kXOffsetKey[] = "XOffset";
 inline constexpr const char kYOffsetKey[] = "YOffset";
+
+}  // namespace vossel

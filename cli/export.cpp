@@ -26,6 +26,8 @@
 #include "palette.h"
 #include "renderer.h"
 
+namespace vossel {
+
 namespace {
 
 const char kExportUsage[] = "Usage: vossel-cli export FILE DIR [--palette PAL] [--force]\n";
@@ -348,3 +350,5 @@ bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int
   error = why.toStdString();
   return written;
 }
+
+}  // namespace vossel

@@ -4,6 +4,8 @@
 #include "commands.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 bool OneFileArgument(const char* command, const std::vector<std::string>& args) {
@@ -48,3 +50,5 @@ int CmdInfo(const std::vector<std::string>& args) {
               PreparedMessage(file.PrepareTicks).c_str());
   return LoadStatus(file);
 }
+
+}  // namespace vossel

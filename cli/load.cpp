@@ -5,6 +5,8 @@
 #include "palette.h"
 #include "text.h"
 
+namespace vossel {
+
 void FileError(const std::string& fileName, const std::string& text) {
   std::fprintf(stderr, "vossel-cli: %s: %s\n", fileName.c_str(), text.c_str());
 }
@@ -55,3 +57,5 @@ bool LoadCliPalette(const std::string* named, PaletteBuffer& palette) {
   FileError(path, kMsgBadPalette);
   return false;
 }
+
+}  // namespace vossel

@@ -9,6 +9,8 @@
 #define VOSSEL_VERSION "0.0.0"
 #endif
 
+using namespace vossel;
+
 namespace {
 
 const char kUsage[] =

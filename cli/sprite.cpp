@@ -11,6 +11,8 @@
 #include "renderer.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 const char kSpriteUsage[] =
@@ -100,3 +102,5 @@ int CmdSprite(const std::vector<std::string>& args) {
   return ShowSprite(file, index, alternative, wantPng ? &png->second : nullptr,
                     parsed.Values.count("force") > 0, palette);
 }
+
+}  // namespace vossel

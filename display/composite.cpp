@@ -3,6 +3,8 @@
 #include <cstring>
 #include <vector>
 
+namespace vossel {
+
 namespace {
 
 inline int32_t Blend(int32_t pixel, int32_t check, int32_t alpha) {
@@ -76,3 +78,5 @@ QImage CompositeOverChecker(const QImage& image, QPoint origin) {
   }
   return out;
 }
+
+}  // namespace vossel

@@ -8,6 +8,8 @@
 #include <QPoint>
 #include <QRect>
 
+namespace vossel {
+
 // Whole-number magnifications from actual size to sixteen times.
 constexpr int32_t kMinMagnification = 1;
 constexpr int32_t kMaxMagnification = 16;
@@ -29,3 +31,5 @@ QImage MagnifiedPart(const QImage& picture, int32_t magnification, const QRect& 
 // the same size. `origin` is where the image's top left pixel stands in the checkerboard's pattern.
 // Each channel is (pixel x alpha + check x (255 - alpha) + 127) / 255.
 QImage CompositeOverChecker(const QImage& image, QPoint origin = QPoint(0, 0));
+
+}  // namespace vossel

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+namespace vossel {
+
 namespace {
 
 // A line longer than this cannot belong to a palette file; stopping there keeps an endless input
@@ -165,3 +167,5 @@ std::string ProgramFolder() {
   if (ec || !exe.has_parent_path()) return ".";
   return exe.parent_path().string();
 }
+
+}  // namespace vossel

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+namespace vossel {
+
 // 256 entries of blue, green, red, zero: the colour table of an 8-bit bitmap.
 using PaletteBuffer = std::array<uint8_t, 1024>;
 
@@ -32,3 +34,5 @@ bool TextToNumber(const std::string& text, double& value);
 bool TextToByte(const std::string& text, uint8_t& value);
 
 // LoadPalette also refuses a line of more than 1 MiB, so that an endless input cannot hold it.
+
+}  // namespace vossel

@@ -9,6 +9,8 @@
 
 #include "composite.h"
 
+namespace vossel {
+
 namespace {
 
 // Rounds the bracket half to even, then halves it truncating toward zero.
@@ -147,3 +149,5 @@ bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                magnification);
   return true;
 }
+
+}  // namespace vossel

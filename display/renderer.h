@@ -11,6 +11,8 @@
 #include "grf2.h"
 #include "palette.h"
 
+namespace vossel {
+
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
 // (areaHeight - Height + YOffset) / 2, truncated toward zero. Magnified m times, the sizes and the
 // offsets count m times: (freeWidth - m x Width + m x XOffset) / 2.
@@ -69,3 +71,5 @@ std::vector<uint8_t> BitmapBuffer(const SpriteRecord& r, const uint8_t* spriteDa
 // A sprite that cannot be drawn (Width or Height 0 or below, or a bitmap above kMaxBitmapBytes)
 // still wipes the canvas, so no earlier sprite stays beside its facts, and DrawSprite returns
 // true. The canvas is expected in a format QPainter draws on (Format_RGB32 and the like).
+
+}  // namespace vossel

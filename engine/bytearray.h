@@ -13,6 +13,8 @@
 #include <new>
 #include <utility>
 
+namespace vossel {
+
 class ByteArray {
  public:
   ByteArray() = default;
@@ -129,3 +131,5 @@ class ByteArray {
   size_t size_ = 0;
   size_t capacity_ = 0;
 };
+
+}  // namespace vossel

@@ -10,6 +10,8 @@
 #include "records.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 // A new record: the tables take exactly i + 1 entries, and entry i is the new record's.
@@ -201,3 +203,5 @@ std::vector<ChunkLine> ChunkList(const ChunkScan& scan, int32_t v) {
   while (NextChunkLine(scan, cursor, line)) lines.push_back(line);
   return lines;
 }
+
+}  // namespace vossel

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace vossel {
+
 // The fields of frmChunk that the scanner writes and the list reads. The tables are parallel:
 // index i is the sprite the viewer shows as number i + 1.
 struct ChunkScan {
@@ -114,3 +116,5 @@ bool NextChunkLineIn(const uint8_t* bytes, size_t length, ChunkCursor& cursor, C
 
 // All lines of the sprite at index v at once.
 std::vector<ChunkLine> ChunkList(const ChunkScan& scan, int32_t v);
+
+}  // namespace vossel

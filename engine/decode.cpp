@@ -7,6 +7,8 @@
 #include <emmintrin.h>
 #endif
 
+namespace vossel {
+
 namespace {
 
 inline void Copy8(uint8_t* to, const uint8_t* from) {
@@ -306,3 +308,5 @@ DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& read
   writePos += entry.Size;
   return result;
 }
+
+}  // namespace vossel

@@ -7,6 +7,8 @@
 
 #include "grf.h"
 
+namespace vossel {
+
 enum class DecodeResult {
   Finished,   // the stream landed exactly on its decoded size
   Overrun,    // the stream passed its decoded size
@@ -40,3 +42,5 @@ DecodeResult DecodeSprite(const uint8_t* file, int32_t fileLength, int32_t& read
                           const SpriteRecord& entry, uint8_t flags, int32_t streamSize,
                           uint8_t* spriteData, int32_t capacity, int32_t& writePos,
                           uint8_t* rowBuffer, DecodeState& state);
+
+}  // namespace vossel

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace vossel {
+
 namespace {
 
 // Positions in a file are signed 32-bit, and a record may reach up to 64 KiB past its head.
@@ -59,3 +61,5 @@ FileReadResult ReadWholeFile(const std::string& path) {
   result.Ok = true;
   return result;
 }
+
+}  // namespace vossel

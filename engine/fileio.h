@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace vossel {
+
 struct FileReadResult {
   bool Ok = false;
   int32_t ErrorNumber = 0;  // errno of the failing call
@@ -15,3 +17,5 @@ struct FileReadResult {
 // Opens the file read-only, reads all of it and closes it. A file of no bytes, or one larger than
 // a signed 32-bit length, is a failure: no buffer can be made for it.
 FileReadResult ReadWholeFile(const std::string& path);
+
+}  // namespace vossel

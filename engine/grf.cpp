@@ -6,6 +6,8 @@
 #include "decode.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 inline void Report(const MessageFn& message) {
@@ -138,3 +140,5 @@ int32_t GetTickCount() {
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
   return static_cast<int32_t>(ms & 0x7FFFFFFF);
 }
+
+}  // namespace vossel

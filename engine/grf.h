@@ -10,6 +10,8 @@
 #include "bytearray.h"
 #include "records.h"
 
+namespace vossel {
+
 // Decoded bytes of all sprites together: 6 x 1024 x 1024.
 constexpr int32_t kSpriteDataCapacity = 6291456;
 // A file of fewer bytes is refused before any record is read.
@@ -81,3 +83,5 @@ LoadOutcome LoadSprites(const uint8_t* file, int32_t length, SpriteStore& store,
 // A millisecond tick counter, signed 32-bit like the platform's. It stays within 0..2^31-1, so the
 // difference of two readings never overflows.
 int32_t GetTickCount();
+
+}  // namespace vossel

@@ -9,6 +9,8 @@
 #include "reader.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 // What one indexing carries: the file, the index being filled and where problems go.
@@ -484,3 +486,5 @@ std::vector<ChunkLine> V2ChunkList(const uint8_t* file, size_t length, const Grf
   while (NextChunkLineIn(file, length, cursor, line)) lines.push_back(line);
   return lines;
 }
+
+}  // namespace vossel

@@ -12,6 +12,8 @@
 #include "chunks.h"
 #include "grf.h"
 
+namespace vossel {
+
 // The first ten bytes of every version-2 file.
 inline constexpr uint8_t kGrfV2Signature[10] = {0x00, 0x00, 0x47, 0x52, 0x46,
                                                 0x82, 0x0D, 0x0A, 0x1A, 0x0A};
@@ -189,3 +191,5 @@ ChunkCursor StartV2ChunkList(const GrfV2Index& index, const GrfV2Sprite& s, int3
 // All lines at once.
 std::vector<ChunkLine> V2ChunkList(const uint8_t* file, size_t length, const GrfV2Index& index,
                                    const GrfV2Sprite& s, int32_t alternative);
+
+}  // namespace vossel

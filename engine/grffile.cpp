@@ -8,6 +8,8 @@
 #include "reader.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 bool Version2(const GrfFile& file) {
@@ -366,3 +368,5 @@ std::string ProblemText(const GrfProblem& problem) {
 std::string MoreProblemsText(int64_t count) {
   return "And " + std::to_string(count) + " more problems in this file";
 }
+
+}  // namespace vossel

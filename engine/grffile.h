@@ -11,6 +11,8 @@
 #include "grf.h"
 #include "grf2.h"
 
+namespace vossel {
+
 enum class SpriteKind : uint8_t {
   Picture,  // a real sprite: pixels in one or more alternatives
   Pseudo,   // a pseudo-sprite: action data
@@ -135,3 +137,5 @@ std::vector<ChunkRecord> ChunksOf(const GrfFile& file, int32_t sprite, int32_t a
 // problems not shown one by one.
 std::string ProblemText(const GrfProblem& problem);
 std::string MoreProblemsText(int64_t count);
+
+}  // namespace vossel

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace vossel {
+
 // n bytes at `at` lie inside [0, end). Taken by subtraction, so that no sum can wrap whatever a
 // field claims.
 inline bool Fits(int64_t at, int64_t n, int64_t end) {
@@ -41,3 +43,5 @@ inline bool U32(const Reader& r, int64_t at, uint32_t& v) {
       (static_cast<uint32_t>(r.Data[at + 2]) << 16) | (static_cast<uint32_t>(r.Data[at + 3]) << 24);
   return true;
 }
+
+}  // namespace vossel

@@ -1,5 +1,7 @@
 #include "records.h"
 
+namespace vossel {
+
 RecordHead ReadRecordHead(const Reader& file, int64_t pos, const WalkRules& rules) {
   RecordHead head;
   uint8_t low = 0;
@@ -37,3 +39,5 @@ StepEnd StepChunks(const Reader& file, int64_t& pos, int64_t size) {
   }
   return left == 0 ? StepEnd::Exact : StepEnd::Overshoot;
 }
+
+}  // namespace vossel

@@ -7,6 +7,8 @@
 
 #include "reader.h"
 
+namespace vossel {
+
 constexpr uint8_t kActionFlags = 255;
 constexpr uint8_t kStoredSizeFlag = 2;
 constexpr uint8_t kRunFormFlag = 8;
@@ -132,3 +134,5 @@ WalkOutcome WalkRecords(const Reader& file, const WalkRules& rules, int32_t maxR
   }
   return out;
 }
+
+}  // namespace vossel

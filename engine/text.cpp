@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <string>
 
+namespace vossel {
+
 std::string FormatFixed2(double value) {
   if (!std::isfinite(value)) value = 0.0;
   // Halves round away from zero; a value that rounds to zero shows no sign.
@@ -128,3 +130,5 @@ std::string OffsetText(const SpriteRecord& r) {
 std::string OffsetText(int32_t x, int32_t y) {
   return std::to_string(x) + " x " + std::to_string(y);
 }
+
+}  // namespace vossel

@@ -6,6 +6,8 @@
 
 #include "grf.h"
 
+namespace vossel {
+
 inline constexpr const char kMsgOutOfBuffer[] = "Error! Out of buffer size!";
 inline constexpr const char kMsgTooSmall[] =
     "File is too small to be loaded. File must contain atleast one non-action sprite size of 1 "
@@ -51,3 +53,5 @@ std::string OffsetText(const SpriteRecord& r);
 std::string ViewingCaption(int32_t index, int64_t width, int64_t height);
 std::string FlagsText(uint8_t flags);
 std::string OffsetText(int32_t x, int32_t y);
+
+}  // namespace vossel

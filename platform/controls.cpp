@@ -14,6 +14,8 @@
 
 #include "picturebox.h"
 
+namespace vossel {
+
 namespace {
 
 // The exact text given to SetCaption, kept beside the label's shown text.
@@ -149,3 +151,5 @@ QString ToQt(const std::string& text) {
 std::string FromQt(const QString& text) {
   return text.toStdString();
 }
+
+}  // namespace vossel

@@ -13,6 +13,8 @@ class QColor;
 class QLabel;
 class QWidget;
 
+namespace vossel {
+
 constexpr int32_t kTwipsPerPixel = 15;
 
 // Twips or pixels of one screen pixel inside `container` (15 or 1).
@@ -55,3 +57,5 @@ QFont WindowsFont(const std::string& family, double points, bool bold = false);
 
 QString ToQt(const std::string& text);
 std::string FromQt(const QString& text);
+
+}  // namespace vossel

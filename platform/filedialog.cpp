@@ -16,6 +16,8 @@
 
 #include "hwnd.h"
 
+namespace vossel {
+
 namespace {
 
 int32_t CallOnCopy(OPENFILENAME& r, int32_t (*dialog)(OPENFILENAMEA*)) {
@@ -333,3 +335,5 @@ int32_t OwnerHandleOf(QObject* objOwner) {
     return 0;
   return static_cast<int32_t>(handle);
 }
+
+}  // namespace vossel

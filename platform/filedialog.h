@@ -14,6 +14,8 @@
 class QFileDialog;
 class QObject;
 
+namespace vossel {
+
 // A counted text that may hold NULs. std::nullopt is "no text", which goes to the platform as a
 // null pointer; the empty text goes as a lone NUL.
 using DialogText = std::optional<std::string>;
@@ -151,3 +153,5 @@ std::string_view TrimBlanks(std::string_view text);
 // The object's "hWnd" property as a 32-bit number; 0 for no object, no such property or a value
 // that is no 32-bit number.
 int32_t OwnerHandleOf(QObject* objOwner);
+
+}  // namespace vossel

@@ -14,6 +14,8 @@
 
 #include "hwnd.h"
 
+namespace vossel {
+
 namespace {
 
 ITEMIDLIST* BrowseOnCopy(BROWSEINFO& r) {
@@ -232,3 +234,5 @@ void ConfigureFolderBrowser(QFileDialog& dialog, const BROWSEINFOA& bi) {
   dialog.setDirectory(bi.pidlRoot != nullptr ? QFile::decodeName(bi.pidlRoot->path.c_str())
                                              : QDir::rootPath());
 }
+
+}  // namespace vossel

@@ -12,6 +12,8 @@
 class QFileDialog;
 class QObject;
 
+namespace vossel {
+
 inline constexpr uint32_t BIF_RETURNONLYFSDIRS = 0x01;
 inline constexpr uint32_t BIF_DONTGOBELOWDOMAIN = 0x02;
 inline constexpr uint32_t BIF_NEWDIALOGSTYLE = 0x40;
@@ -114,3 +116,5 @@ intptr_t SendMessageA(int32_t hwnd, uint32_t Msg, intptr_t wParam, intptr_t lPar
 
 // Sets up Qt's directory dialog from the record, apart so that it can be checked unshown.
 void ConfigureFolderBrowser(QFileDialog& dialog, const BROWSEINFOA& bi);
+
+}  // namespace vossel

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QWidget>
 
+namespace vossel {
+
 namespace {
 
 std::map<int32_t, QWidget*>& Handles() {
@@ -30,3 +32,5 @@ QWidget* WindowOfHandle(int32_t handle) {
   const auto it = Handles().find(handle);
   return it == Handles().end() ? nullptr : it->second;
 }
+
+}  // namespace vossel

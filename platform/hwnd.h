@@ -6,8 +6,12 @@
 
 class QWidget;
 
+namespace vossel {
+
 // The window's handle, given out on first request and kept until the window is destroyed.
 // 0 for no window.
 int32_t HandleOfWindow(QWidget* window);
 // The window behind a handle, or nullptr for 0, an unknown or a destroyed window's handle.
 QWidget* WindowOfHandle(int32_t handle);
+
+}  // namespace vossel

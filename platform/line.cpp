@@ -6,6 +6,8 @@
 
 #include "controls.h"
 
+namespace vossel {
+
 LineControl::LineControl(QWidget* parent) : QWidget(parent), colour_(Qt::black) {
   // A line is drawn on its container; clicks go through it.
   setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -41,3 +43,5 @@ void LineControl::paintEvent(QPaintEvent*) {
   const int left = std::min(px1, px2), top = std::min(py1, py2);
   painter.drawLine(px1 - left, py1 - top, px2 - left, py2 - top);
 }
+
+}  // namespace vossel

@@ -6,6 +6,8 @@
 #include <QColor>
 #include <QWidget>
 
+namespace vossel {
+
 class LineControl : public QWidget {
   Q_OBJECT
 
@@ -28,3 +30,5 @@ class LineControl : public QWidget {
   int32_t x1_ = 0, y1_ = 0, x2_ = 0, y2_ = 0;
   QColor colour_;
 };
+
+}  // namespace vossel

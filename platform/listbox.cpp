@@ -2,6 +2,8 @@
 
 #include "controls.h"
 
+namespace vossel {
+
 ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
   setSelectionMode(QAbstractItemView::SingleSelection);
   setUniformItemSizes(true);
@@ -46,3 +48,5 @@ int32_t ListBox::ItemData(int32_t index) const {
 void ListBox::SetItemData(int32_t index, int32_t data) {
   if (QListWidgetItem* line = item(index)) line->setData(Qt::UserRole, data);
 }
+
+}  // namespace vossel

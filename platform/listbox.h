@@ -6,6 +6,8 @@
 
 #include <QListWidget>
 
+namespace vossel {
+
 class ListBox : public QListWidget {
   Q_OBJECT
 
@@ -30,3 +32,5 @@ class ListBox : public QListWidget {
  private:
   int32_t newIndex_ = -1;
 };
+
+}  // namespace vossel

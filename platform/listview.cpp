@@ -8,6 +8,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 
+namespace vossel {
+
 // Flat rows and the order they are shown in. Rows past `shown` are kept but not yet announced to
 // the view: a hidden list announces a whole batch at once.
 class ListViewModel : public QAbstractTableModel {
@@ -175,3 +177,5 @@ void ListView::RaiseItemClick(const QModelIndex& index) {
   if (!index.isValid() || index.row() >= model_->shown || !ItemClick) return;
   ItemClick(Item(index.row() + 1));
 }
+
+}  // namespace vossel

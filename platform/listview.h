@@ -9,6 +9,8 @@
 
 #include <QTreeView>
 
+namespace vossel {
+
 class ListViewModel;
 
 struct ListItem {
@@ -63,3 +65,5 @@ class ListView : public QTreeView {
   ListViewModel* model_;
   bool sorted_ = false;
 };
+
+}  // namespace vossel

@@ -5,6 +5,8 @@
 #include <QMessageBox>
 #include <QString>
 
+namespace vossel {
+
 namespace {
 
 MsgBoxHook& Hook() {
@@ -32,3 +34,5 @@ void MsgBox(const std::string& text, const std::string& title, MsgBoxIcon icon) 
                   QMessageBox::Ok);
   box.exec();
 }
+
+}  // namespace vossel

@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+namespace vossel {
+
 enum class MsgBoxIcon { None, Exclamation, Information };
 
 // The title a box shows when its caller gives none: the application's title.
@@ -19,3 +21,5 @@ void MsgBox(const std::string& text, const std::string& title = "",
 using MsgBoxHook =
     std::function<void(const std::string& text, const std::string& title, MsgBoxIcon icon)>;
 void SetMsgBoxHook(MsgBoxHook hook);
+
+}  // namespace vossel

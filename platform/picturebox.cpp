@@ -8,6 +8,8 @@
 
 #include "controls.h"
 
+namespace vossel {
+
 PictureBox::PictureBox(QWidget* parent, bool border) : QFrame(parent) {
   if (border) {
     setFrameStyle(QFrame::Box | QFrame::Plain);
@@ -71,3 +73,5 @@ void PictureBox::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.drawImage(contentsRect().topLeft(), image_);
 }
+
+}  // namespace vossel

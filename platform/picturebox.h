@@ -9,6 +9,8 @@
 #include <QImage>
 #include <QSize>
 
+namespace vossel {
+
 // How the controls inside a container measure.
 enum class ScaleMode { Twips, Pixels };
 
@@ -48,3 +50,5 @@ class PictureBox : public QFrame {
   QImage image_;
   QSize raisedSize_;  // the size Resize last ran for; invalid until the first one
 };
+
+}  // namespace vossel

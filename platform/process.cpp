@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 
+namespace vossel {
+
 void DoEvents() {
   if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents();
 }
@@ -15,3 +17,5 @@ bool ChDir(const std::string& folder) {
 std::string CurDir() {
   return QFile::encodeName(QDir::currentPath()).toStdString();
 }
+
+}  // namespace vossel

@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace vossel {
+
 // Lets the window events that are waiting run to their end, then returns.
 void DoEvents();
 
@@ -11,3 +13,5 @@ void DoEvents();
 bool ChDir(const std::string& folder);
 // The current directory, empty when it cannot be had.
 std::string CurDir();
+
+}  // namespace vossel

@@ -16,6 +16,8 @@
 #include <QStringList>
 #include <QtEndian>
 
+namespace vossel {
+
 namespace {
 
 // Wine's system.reg of a well-used prefix is some tens of MiB; anything far past that is not one,
@@ -378,3 +380,5 @@ std::string WineFolderToLinux(const std::string& windowsFolder) {
   if (below.isEmpty() || last == '\\' || last == '/') folder += u'/';
   return QFile::encodeName(folder).toStdString();
 }
+
+}  // namespace vossel

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+namespace vossel {
+
 constexpr uint32_t HKEY_LOCAL_MACHINE = 0x80000002u;
 
 // Value types.
@@ -60,3 +62,5 @@ std::string WineRegistryFile();
 // one does not exist. A folder that already starts with '/' is given back unchanged; empty text
 // when there is no drive letter or no prefix.
 std::string WineFolderToLinux(const std::string& windowsFolder);
+
+}  // namespace vossel

@@ -4,6 +4,8 @@
 
 #include <QKeyEvent>
 
+namespace vossel {
+
 ScrollBar::ScrollBar(Qt::Orientation orientation, QWidget* parent)
     : QScrollBar(orientation, parent) {
   setRange(0, 0);
@@ -62,3 +64,5 @@ void ScrollBar::keyPressEvent(QKeyEvent* event) {
   }
   QScrollBar::keyPressEvent(event);
 }
+
+}  // namespace vossel

@@ -8,6 +8,8 @@
 
 #include <QScrollBar>
 
+namespace vossel {
+
 class ScrollBar : public QScrollBar {
   Q_OBJECT
 
@@ -41,3 +43,5 @@ class ScrollBar : public QScrollBar {
   bool quiet_ = false;  // a range change is pulling the value in
   int dragStart_ = 0;
 };
+
+}  // namespace vossel

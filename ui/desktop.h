@@ -8,6 +8,8 @@
 
 class QMimeData;
 
+namespace vossel {
+
 #ifndef VOSSEL_VERSION
 #define VOSSEL_VERSION "0.0.0"
 #endif
@@ -26,3 +28,5 @@ QString DroppedGrfFile(const QMimeData* data);
 
 // The text of Help > About.
 std::string AboutText();
+
+}  // namespace vossel

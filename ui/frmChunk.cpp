@@ -25,6 +25,8 @@
 #include "process.h"
 #include "scrollbar.h"
 
+namespace vossel {
+
 namespace {
 
 constexpr int32_t kClientWidth = 9615;   // 641 pixels
@@ -188,3 +190,5 @@ void frmChunk::scrSprite_Change() {
 void frmChunk::scrSprite_Scroll() {
   scrSprite_Change();
 }
+
+}  // namespace vossel

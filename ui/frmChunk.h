@@ -15,6 +15,9 @@ class QCloseEvent;
 class QEventLoop;
 class QLabel;
 class QMenu;
+
+namespace vossel {
+
 class ListBox;
 class PictureBox;
 class ScrollBar;
@@ -77,3 +80,5 @@ class frmChunk : public QMainWindow {
   uint32_t fillNumber_ = 0;
   QEventLoop* modalLoop_ = nullptr;
 };
+
+}  // namespace vossel

@@ -23,6 +23,8 @@
 #include "scrollbar.h"
 #include "text.h"
 
+namespace vossel {
+
 namespace {
 
 constexpr const char kGameKey[] = "SOFTWARE\\FISH Technology Group\\Transport Tycoon Deluxe";
@@ -300,3 +302,5 @@ void frmMain::mnuChunk_Click() {
   if (!ChunkViewer) ChunkViewer = std::make_unique<frmChunk>();
   ChunkViewer->ShowModal();
 }
+
+}  // namespace vossel

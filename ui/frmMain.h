@@ -25,6 +25,9 @@ class QDropEvent;
 class QGroupBox;
 class QLabel;
 class QMenu;
+
+namespace vossel {
+
 class LineControl;
 class ListBox;
 class ListView;
@@ -194,3 +197,5 @@ class frmMain : public QMainWindow {
   void AddMessage(const std::string& text);
   void AddSpriteRow(SpriteRowTexts row);
 };
+
+}  // namespace vossel

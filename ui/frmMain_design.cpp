@@ -18,6 +18,8 @@
 #include "picturebox.h"
 #include "scrollbar.h"
 
+namespace vossel {
+
 namespace {
 
 constexpr int32_t kClientWidth = 9135;   // 609 pixels
@@ -173,3 +175,5 @@ void frmMain::BuildControls() {
   setTabOrder(picSprite, Grid);
   setTabOrder(Grid, lvwSprite);
 }
+
+}  // namespace vossel

@@ -13,6 +13,8 @@
 #include "msgbox.h"
 #include "text.h"
 
+namespace vossel {
+
 bool IsGrfFile(const QString& path) {
   const QFileInfo info(path);
   if (!info.isFile()) return false;
@@ -55,3 +57,5 @@ void frmMain::dropEvent(QDropEvent* event) {
 void frmMain::mnuAbout_Click() {
   MsgBox(AboutText(), "About Vossel", MsgBoxIcon::Information);
 }
+
+}  // namespace vossel

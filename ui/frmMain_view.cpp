@@ -13,6 +13,8 @@
 #include "picturebox.h"
 #include "scrollbar.h"
 
+namespace vossel {
+
 namespace {
 
 // The magnifications Zoom In and Zoom Out step through.
@@ -149,3 +151,5 @@ void frmMain::UpdateViewItems() {
   mnuMaskLayer->setEnabled(Offer.Mask);
   mnuMaskLayer->setChecked(View.Mask);
 }
+
+}  // namespace vossel

@@ -5,6 +5,8 @@
 
 #include "filedialog.h"
 
+namespace vossel {
+
 inline constexpr const char kOpenTitle[] = "Open a GRF file...";
 inline constexpr const char kGrfFilter[] =
     "Transport Tycoon GRF file (*.grf)|*.grf|All files (*.*)|*.*";
@@ -16,3 +18,5 @@ inline bool AskForGrfToOpen(clsFileDialog& dialog, std::string& fileName) {
   dialog.Flags(OFN_HIDEREADONLY);
   return dialog.FileOpen(fileName);
 }
+
+}  // namespace vossel

@@ -13,6 +13,8 @@
 #include "frmMain.h"
 #include "text.h"
 
+using namespace vossel;
+
 namespace {
 
 // Whether the command line asks for --help or --version. Those answer without a display, so a

@@ -14,6 +14,8 @@
 #include "palette.h"
 #include "run_cli.h"
 
+using namespace vossel;
+
 namespace fs = std::filesystem;
 using grfw::Bytes;
 

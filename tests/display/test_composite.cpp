@@ -10,6 +10,8 @@
 #include "composite.h"
 #include "renderer.h"
 
+using namespace vossel;
+
 TEST(PaintPicture, MagnifiedPlacementAndAlphaOverTheCheckerboard) {
   std::mt19937 rng(16);
   for (QImage::Format format : {QImage::Format_Indexed8, QImage::Format_ARGB32}) {

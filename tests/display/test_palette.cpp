@@ -9,6 +9,8 @@
 #include "grf_writer.h"
 #include "palette.h"
 
+using namespace vossel;
+
 namespace {
 
 // {N}: N entry lines "i 255-i i^0x5A" in a file text, or those N entries in hex.

@@ -6,6 +6,8 @@
 
 #include "renderer.h"
 
+using namespace vossel;
+
 namespace {
 
 SpriteRecord Record(int w, int h, int x = 0, int y = 0) {

@@ -8,6 +8,8 @@
 #include "grf.h"
 #include "grf_writer.h"
 
+namespace vossel {
+
 struct Loaded {
   SpriteStore Store;
   LoadOutcome Outcome;
@@ -31,3 +33,5 @@ inline auto Facts(const SpriteRecord& r) {
   return std::make_tuple(r.DataOffset, r.Size, r.Flags, r.CompressedSize, r.XOffset, r.YOffset,
                          r.Width, r.Height);
 }
+
+}  // namespace vossel

@@ -7,6 +7,8 @@
 #include "grf_writer.h"
 #include "text.h"
 
+using namespace vossel;
+
 using grfw::Bytes;
 
 TEST(ChunkScan, EndsAndTables) {

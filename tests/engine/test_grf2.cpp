@@ -10,6 +10,8 @@
 #include "grf2.h"
 #include "grf_writer.h"
 
+using namespace vossel;
+
 namespace {
 
 using grfw::Bytes;

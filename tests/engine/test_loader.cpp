@@ -7,6 +7,8 @@
 #include "load_helper.h"
 #include "text.h"
 
+using namespace vossel;
+
 using grfw::Bytes;
 
 TEST(Loader, KnownFiles) {

@@ -12,6 +12,8 @@
 #include "grf.h"
 #include "grf_writer.h"
 
+using namespace vossel;
+
 namespace {
 
 using grfw::Bytes;

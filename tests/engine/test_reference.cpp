@@ -11,6 +11,8 @@
 #include "load_helper.h"
 #include "reference.h"
 
+using namespace vossel;
+
 using grfw::Bytes;
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include "text.h"
 
+using namespace vossel;
+
 TEST(Text, AtTheEdges) {
   const std::pair<std::string, std::string> cases[] = {
       {FormatSize(921), "921 bytes"},

@@ -5,6 +5,8 @@
 
 #include "grf2.h"
 
+using namespace vossel;
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   GrfV2Index index;
   IndexGrfV2(data, size, index, nullptr);

@@ -10,6 +10,8 @@
 #include "grf.h"
 #include "reference.h"
 
+using namespace vossel;
+
 namespace {
 
 void ListAll(const ChunkScan& scan, int32_t entries) {

@@ -7,6 +7,8 @@
 
 #include "palette.h"
 
+using namespace vossel;
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const std::string path = "/tmp/vossel-fuzz-palette-" + std::to_string(getpid()) + ".pal";
   FILE* f = std::fopen(path.c_str(), "wb");

@@ -12,6 +12,8 @@
 #include "filedialog.h"
 #include "registry.h"
 
+using namespace vossel;
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const std::string prefix = [] {
     const std::string dir = "/tmp/vossel-fuzz-wine-" + std::to_string(getpid());

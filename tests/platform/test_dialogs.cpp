@@ -19,6 +19,8 @@
 #include "hwnd.h"
 #include "msgbox.h"
 
+using namespace vossel;
+
 using namespace std::string_literals;
 
 namespace {

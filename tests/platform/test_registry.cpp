@@ -12,6 +12,8 @@
 
 #include "case_file.h"
 
+using namespace vossel;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -12,6 +12,8 @@
 #include "text.h"
 #include "ui_support.h"
 
+using namespace vossel;
+
 using grfw::Bytes;
 using uitest::Shown;
 

@@ -18,6 +18,8 @@
 #include "frmMain.h"
 #include "ui_support.h"
 
+using namespace vossel;
+
 namespace {
 
 namespace fs = std::filesystem;

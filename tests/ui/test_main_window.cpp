@@ -20,6 +20,8 @@
 #include "text.h"
 #include "ui_support.h"
 
+using namespace vossel;
+
 using grfw::Bytes;
 using uitest::FiveSprites;
 using uitest::Shown;

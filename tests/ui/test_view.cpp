@@ -17,6 +17,8 @@
 #include "scrollbar.h"
 #include "ui_support.h"
 
+using namespace vossel;
+
 namespace {
 
 using grfw::Bytes;

@@ -21,6 +21,8 @@
 #include "msgbox.h"
 #include "process.h"
 
+namespace vossel {
+
 namespace uitest {
 
 namespace fs = std::filesystem;
@@ -117,3 +119,5 @@ inline QColor PaletteColour(const frmMain& form, int i) {
 }
 
 }  // namespace uitest
+
+}  // namespace vossel
