@@ -331,6 +331,16 @@ GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
   return GrfResult::Ok;
 }
 
+bool SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
+                 std::vector<uint8_t>& bytes) {
+  const uint8_t* data = nullptr;
+  int64_t size = 0;
+  bytes.clear();
+  if (!DataBytes(file, sprite, alternative, data, size)) return false;
+  bytes.assign(data, data + size);
+  return true;
+}
+
 std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternative,
                            GrfResult result) {
   const GrfV2Alternative* a = V2Alternative(file, sprite, alternative);

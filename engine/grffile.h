@@ -123,6 +123,11 @@ SpriteFacts FactsOf(const GrfFile& file, int32_t sprite, int32_t alternative);
 // bytes as one row of palette indices, as the design draws action sprites.
 GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
                     SpritePicture& picture);
+// The bytes of a pseudo-sprite (alternative -1) or of a non-image alternative; false for a
+// picture or a sprite that is not there.
+bool SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
+                 std::vector<uint8_t>& bytes);
+
 // Why a picture could not be made.
 std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternative,
                            GrfResult result);
