@@ -5,6 +5,7 @@
 #include "case_file.h"
 #include "chunks.h"
 #include "grf_writer.h"
+#include "records.h"
 #include "text.h"
 
 using namespace vossel;
@@ -41,4 +42,37 @@ TEST(ChunkScan, AtMost32767Sprites) {
   const ScanOutcome out = ScanBuffer(grfw::FileOf(records), scan);
   EXPECT_EQ(out.End, ScanEnd::InvalidStream);
   EXPECT_EQ(out.Count, 32767);
+}
+
+// Where the loader and the chunk viewer read the same bytes differently, each difference is one
+// rule: the walk with the loader's rules and that one rule turned takes the viewer's way.
+TEST(ChunkScan, EachDifferenceFromTheLoaderIsOneRule) {
+  const struct {
+    bool WalkRules::*Rule;
+    const char* Behind;  // bytes behind one good record
+    int32_t LoaderCount, ViewerCount;
+    bool LoaderRefuses, ViewerRefuses;
+  } cases[] = {
+      {&WalkRules::LoneZeroEnds, "00", 1, 1, true, false},
+      {&WalkRules::StepShortStoredSize, "0100 02  0C00 00 02 0200 FEFF 0100 020A0B F002", 1, 3,
+       true, false},
+      {&WalkRules::RefusePastEnd, "0C00 00 02 0200 0000 0000 040A0B", 2, 1, false, true},
+      {&WalkRules::RefusePastEnd, "0C00 02 02 0200 0000", 2, 1, false, true},
+  };
+  for (const auto& c : cases) {
+    const Bytes file = Hex(std::string("0C00 00 02 0200 FEFF 0100 020A0B F002 ") + c.Behind);
+    const Reader bytes{file.data(), static_cast<int64_t>(file.size())};
+    const auto walk = [&](const WalkRules& rules) {
+      return WalkRecords(bytes, rules, kMaxSprites, [](const WalkedRecord&) {});
+    };
+    WalkRules turned = kLoaderRules;
+    turned.*c.Rule = !(turned.*c.Rule);
+    const WalkOutcome loader = walk(kLoaderRules), viewer = walk(kScannerRules), one = walk(turned);
+    EXPECT_EQ(loader.Count, c.LoaderCount) << c.Behind;
+    EXPECT_EQ(loader.Refused, c.LoaderRefuses) << c.Behind;
+    EXPECT_EQ(viewer.Count, c.ViewerCount) << c.Behind;
+    EXPECT_EQ(viewer.Refused, c.ViewerRefuses) << c.Behind;
+    EXPECT_EQ(one.Count, viewer.Count) << c.Behind;
+    EXPECT_EQ(one.Refused, viewer.Refused) << c.Behind;
+  }
 }

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <regex>
+#include <sstream>
 
 #include <QApplication>
 #include <QHeaderView>
@@ -268,6 +269,31 @@ TEST_F(MainWindow, ColumnClicksSortAndRowClicksShow) {
   EXPECT_EQ(Column(-1), "k0 k1 k2 k3 k4");
   ClickColumn(4);
   EXPECT_EQ(Column(-1), "k4 k1 k0 k2 k3");
+}
+
+TEST_F(MainWindow, EqualRowsKeepTheFileOrderBothWaysOnALongList) {
+  // Three widths over 300 rows: an unstable sort, or an ascending one reversed, mixes equal rows.
+  std::vector<Bytes> sprites;
+  for (int i = 0; i < 300; ++i) {
+    const uint16_t width = static_cast<uint16_t>(1 + (i * 7) % 3);
+    sprites.push_back(grfw::PlainSprite(width, 1, Bytes(width, 1)));
+  }
+  Open(grfw::FileOf(sprites));
+  for (const bool descending : {false, true}) {
+    ClickColumn(2);
+    std::istringstream keys(Column(-1)), widths(Column(1));
+    std::string key, width, lastWidth;
+    int last = -1;
+    while (keys >> key && widths >> width) {
+      const int row = std::stoi(key.substr(1));
+      if (width == lastWidth) {
+        EXPECT_LT(last, row) << (descending ? "descending" : "ascending");
+      }
+      EXPECT_TRUE(lastWidth.empty() || (descending ? width <= lastWidth : width >= lastWidth));
+      last = row;
+      lastWidth = width;
+    }
+  }
 }
 
 TEST_F(MainWindow, TabVisitsThePanelTheMessagesThePictureAndTheList) {
