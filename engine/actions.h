@@ -156,8 +156,12 @@ struct GrfActions {
   GrfIdentity Identity;
 };
 
-// Reads every pseudo-sprite and gives each sprite its role. Linear in the number of sprites;
-// never reads outside a view.
+// Reads every pseudo-sprite and gives each sprite its role. The sprites after actions 01, 05, 0A,
+// 11 and 12 are theirs, in order, whatever they are; a cut one hands out only the sets it read
+// whole (0A, 12) or none. Sprite 0 of 4 bytes is the sprite count. Outside the blocks, a
+// 257-byte pseudo-sprite starting 00 is a recolour map until an Action 08 has come (a base set),
+// an Action 00 after. Actions 06, 07 and 09 change nothing here: the file is shown as stored.
+// Linear in the number of sprites; never reads outside a view.
 GrfActions ReadActions(const std::vector<SpriteInput>& sprites);
 
 // --- Texts (action_text.cpp) ---------------------------------------------------------------------
