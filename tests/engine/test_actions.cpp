@@ -1,0 +1,218 @@
+// Pseudo-sprites: the texts of files made sprite by sprite in action_cases.txt, what the real files
+// say about themselves, and the NFO listing read back into the bytes it lists.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "actions.h"
+#include "case_file.h"
+#include "fileio.h"
+#include "grf.h"
+#include "grf2.h"
+#include "grf_writer.h"
+
+using namespace vossel;
+using grfw::Bytes;
+
+namespace {
+
+// A file's sprites and the bytes they point into.
+struct Sprites {
+  Bytes File;
+  SpriteStore Store;
+  GrfV2Index Index;
+  std::vector<Bytes> Own;
+  std::vector<SpriteInput> Inputs;
+};
+
+// The sprites of a real file through the loaders: pseudo-sprites with their bytes, version-2
+// sprites whose alternative is non-image data as Data, the rest as pictures.
+Sprites ReadReal(const std::string& path) {
+  Sprites s;
+  s.File = ReadWholeFile(path).Bytes;
+  const uint8_t* f = s.File.data();
+  if (IsGrfV2(f, s.File.size())) {
+    IndexGrfV2(f, s.File.size(), s.Index, nullptr);
+    for (const GrfV2Sprite& e : s.Index.Sprites) {
+      const GrfV2Alternative* a = e.Default >= 0 ? &s.Index.Alternatives[e.Default] : nullptr;
+      if (e.Info != kV2Reference)
+        s.Inputs.push_back({SpriteKind::Pseudo, f + e.DataOffset, size_t(e.DataSize)});
+      else if (a && a->Info == kV2Pseudo)
+        s.Inputs.push_back({SpriteKind::Data, f + a->StreamOffset, size_t(a->StreamSize)});
+      else
+        s.Inputs.push_back({});
+    }
+  } else {
+    LoadSprites(f, int32_t(s.File.size()), s.Store, nullptr);
+    for (const SpriteRecord& r : s.Store.SpriteTable)
+      s.Inputs.push_back(r.Flags == kActionFlags
+                             ? SpriteInput{SpriteKind::Pseudo,
+                                           s.Store.SpriteData.data() + r.DataOffset, size_t(r.Size)}
+                             : SpriteInput{});
+  }
+  return s;
+}
+
+// The NFO listing of every pseudo-sprite read back: its number, length and bytes.
+void ExpectNfoRoundTrip(const std::vector<SpriteInput>& inputs) {
+  const GrfActions g = ReadActions(inputs);
+  for (size_t i = 0; i < inputs.size(); ++i) {
+    const SpriteInput& s = inputs[i];
+    if (s.Kind != SpriteKind::Pseudo) continue;
+    ASSERT_EQ(NfoComment(g.Sprites[i], g.Actions).rfind("// ", 0), 0u);
+    const std::string line = NfoPseudoLine(int32_t(i), s.Data, s.Size);
+    const std::string head = std::to_string(i) + " * " + std::to_string(s.Size);
+    ASSERT_EQ(line.rfind(head, 0), 0u) << line;
+    const auto bytes = ParseNfoBytes(line.substr(head.size()));
+    ASSERT_TRUE(bytes) << line;
+    ASSERT_EQ(*bytes, Bytes(s.Data, s.Data + s.Size)) << line;
+  }
+}
+
+}  // namespace
+
+TEST(Actions, CaseFilesGiveEachSpriteItsText) {
+  std::vector<std::vector<std::string>> lines;
+  for (const std::string& line : CaseLines("engine/action_cases.txt")) {
+    if (line.rfind("==", 0) == 0)
+      lines.push_back({line});
+    else
+      lines.back().push_back(line);
+  }
+  for (const auto& file : lines) {
+    SCOPED_TRACE(file[0]);
+    Sprites s;
+    std::vector<std::string> want;
+    for (size_t i = 1; i < file.size(); ++i) {
+      const std::vector<std::string> f = Fields(file[i], 2);
+      const bool data = f[0].rfind("data ", 0) == 0;
+      const std::string bytes = data ? f[0].substr(5) : f[0] == "picture" ? "-" : f[0];
+      s.Own.push_back(bytes.find('"') != std::string::npos ? ParseNfoBytes(bytes).value()
+                                                           : Hex(bytes));
+      s.Inputs.push_back({f[0] == "picture" ? SpriteKind::Picture
+                          : data            ? SpriteKind::Data
+                                            : SpriteKind::Pseudo,
+                          s.Own.back().data(), s.Own.back().size()});
+      want.push_back(f[1]);
+    }
+    const GrfActions g = ReadActions(s.Inputs);
+    for (size_t i = 0; i < want.size(); ++i)
+      EXPECT_EQ(RoleText(g.Sprites[i], g.Actions), want[i]) << "sprite " << i;
+    ExpectNfoRoundTrip(s.Inputs);
+  }
+}
+
+TEST(Actions, IdentityOfTheCaseFile) {
+  const std::string grf = "My set", about = "About";
+  Bytes a8 = {0x08, 0x08, 'N', 'M', 'L', 0};
+  a8.insert(a8.end(), grf.begin(), grf.end() + 1);
+  a8.insert(a8.end(), about.begin(), about.end() + 1);
+  const GrfActions g = ReadActions({{SpriteKind::Pseudo, a8.data(), a8.size()}});
+  EXPECT_TRUE(g.Identity.HasAction8);
+  EXPECT_EQ(GrfIdText(g.Identity.Grf.Bytes), "4E4D4C00 (NML\\00)");
+  EXPECT_EQ(g.Identity.Name + "|" + g.Identity.Description, "My set|About");
+  EXPECT_FALSE(g.Identity.HasInfo);
+  EXPECT_FALSE(ReadActions({}).Identity.HasAction8);
+}
+
+TEST(Actions, Texts) {
+  const std::pair<Bytes, std::string> decoded[] = {
+      {{'A', 0xE9, 0x0D, 0x7B, 0x9F, 0xA0, 0xFF}, "A\xC3\xA9{0D}{7B}{9F}\xC2\xA0\xC3\xBF"},
+      {{0xC3, 0x9E, 'x', 0xC3, 0xA9, 0x7E, 0x7B, 0xC2, 0x85, 0xEE, 0x82, 0x8E, 0x01},
+       "x\xC3\xA9~{7B}{85}{8E}{01}"},
+      // Broken UTF-8: a lone continuation, an overlong form, a sequence cut at the end.
+      {{0xC3, 0x9E, 0x80, 0xC0, 0xAF, 'a', 0xE2, 0x82},
+       "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"
+       "a\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {{0xC3, 0x9E, 0xF0, 0x9F, 0x98, 0x80}, "\xF0\x9F\x98\x80"},
+      {{}, ""}};
+  for (const auto& [bytes, want] : decoded)
+    EXPECT_EQ(DecodeGrfText(bytes.data(), bytes.size()), want);
+  const std::pair<Bytes, std::string> ids[] = {{{'N', 'M', 'L', 0}, "4E4D4C00 (NML\\00)"},
+                                               {{0xFF, 'O', 'T', 1}, "FF4F5401"},
+                                               {{'a', 'b', ' ', '~'}, "6162207E (ab ~)"}};
+  for (const auto& [id, want] : ids) EXPECT_EQ(GrfIdText(id.data()), want);
+  const std::pair<Bytes, std::string> nfo[] = {
+      {{0x08, 'N', 'M', 'L', 0x00, '"', '\\', ' '}, "08 \"NML\" 00 22 5C \" \""}, {{'a'}, "\"a\""}};
+  for (const auto& [bytes, want] : nfo) EXPECT_EQ(NfoBytes(bytes.data(), bytes.size()), want);
+  for (const char* bad : {"0", "0G", "\"ab", "012", "AB\"x\""}) EXPECT_FALSE(ParseNfoBytes(bad));
+  EXPECT_EQ(ParseNfoBytes(" ab\t\"\" 0F ").value(), Bytes({0xAB, 0x0F}));
+  EXPECT_EQ(ActionName(0x08), "GRF ID and name");
+  EXPECT_EQ(FeatureName(0x16), "feature 16");
+  NfoAlternative image{false, 32, kZoomIn4, 256, 124, -124, 0, 0};
+  NfoAlternative data{true, 0, 0, 0, 0, 0, 0, 12};
+  SpriteRole base;
+  base.Number = 15;
+  EXPECT_EQ(NfoSpriteLine(15, {image, data}, base, {}),
+            "15 32bpp in4 256x124 at -124,0; data 12 bytes // base sprite 15");
+}
+
+TEST(Actions, RealFiles) {
+  const std::string dir = VOSSEL_BASESET_DIR;
+  // file | Action 08: GRF ID, name | Action 14: name, version, palette, depth | roles of some
+  // sprites
+  struct Real {
+    std::string File, Grf, Info;
+    std::vector<std::pair<int, std::string>> Roles;
+  };
+  const Real reals[] = {
+      {"openttd.grf",
+       "FFFFFFFE OpenTTD's default and fallback extra graphics",
+       "D",
+       {{0, "Sprite count: 2757"},
+        {12, "sprite 0 of Action 05 (two-company-colour maps), recolour map"}}},
+      {"orig_extra.grf", "FF4F5454 Original baseset extra graphics", "D", {}},
+      {"opengfx/ogfxe_extra.grf", "FF4F5401 OpenGFX 7.1", " OpenGFX 7.1 34 7938 878 D 8", {}},
+      {"opengfx/ogfx1_base.grf",
+       "none",
+       "none",
+       {{774, "base sprite 774"}, {775, "recolour map"}, {790, "recolour map"}}},
+  };
+  int read = 0;
+  for (const Real& r : reals) {
+    SCOPED_TRACE(r.File);
+    if (!std::filesystem::exists(dir + "/" + r.File)) continue;
+    ++read;
+    const Sprites s = ReadReal(dir + "/" + r.File);
+    const GrfActions g = ReadActions(s.Inputs);
+    const GrfIdentity& id = g.Identity;
+    const StaticInfo& i = id.Info;
+    EXPECT_EQ(id.HasAction8 ? GrfIdText(id.Grf.Bytes) + " " + id.Name : "none", r.Grf);
+    EXPECT_EQ(!id.HasInfo     ? "none"
+              : !i.HasVersion ? std::string(1, i.Palette)
+                              : i.Name + " " + std::to_string(i.NameLanguage) + " " +
+                                    std::to_string(i.Version) + " " + std::to_string(i.MinVersion) +
+                                    " " + i.Palette + " " + i.Depth,
+              r.Info);
+    for (const auto& [n, text] : r.Roles) EXPECT_EQ(RoleText(g.Sprites.at(n), g.Actions), text);
+    // Well-made files: every header whole and known, and only pictures, recolour maps and sounds
+    // within the blocks of actions.
+    for (const ActionRecord& a : g.Actions)
+      EXPECT_TRUE(!IsCut(a) && a.Action <= 0x14) << ActionSummary(a);
+    for (size_t n = 0; n < s.Inputs.size(); ++n) {
+      const SpriteRole& role = g.Sprites[n];
+      const bool member = role.Kind != RoleKind::Action && role.Kind != RoleKind::SpriteCount;
+      if (s.Inputs[n].Kind == SpriteKind::Pseudo && member && role.Kind != RoleKind::Sound) {
+        EXPECT_TRUE(role.Recolour) << n << " " << RoleText(role, g.Actions);
+      }
+    }
+    ExpectNfoRoundTrip(s.Inputs);
+  }
+  if (read == 0) GTEST_SKIP() << "no real file in " << dir;
+}
+
+TEST(Actions, RandomSpritesRoundTripAsNfo) {
+  std::mt19937 rng(7);
+  const uint8_t edges[] = {0x00, 0x01, 0x0A, 0x11, 0x12, 0x14, 0x20, '"', '\\', 'C', 0x7E, 0xFF};
+  for (int file = 0; file < 200; ++file) {
+    std::vector<Bytes> own(1 + rng() % 40);
+    std::vector<SpriteInput> inputs;
+    for (Bytes& b : own) {
+      b.resize(rng() % 3 == 0 ? 257 : rng() % 24);
+      for (uint8_t& x : b) x = rng() % 2 ? edges[rng() % std::size(edges)] : uint8_t(rng());
+      inputs.push_back({SpriteKind(rng() % 3), b.data(), b.size()});
+    }
+    ExpectNfoRoundTrip(inputs);
+  }
+}

@@ -1,0 +1,56 @@
+// The reader of pseudo-sprites on any bytes. The input is a list of sprites: a kind byte (its
+// value mod 3: picture, pseudo-sprite, data), a length byte (FF: a word follows), then the bytes.
+// Each sprite gets an allocation of its own, so that a read past one is seen. Every text is made,
+// and the NFO form of every pseudo-sprite must read back into its bytes.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "actions.h"
+
+using namespace vossel;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::vector<std::unique_ptr<uint8_t[]>> owned;
+  std::vector<SpriteInput> sprites;
+  for (size_t at = 0; at + 2 <= size;) {
+    const auto kind = static_cast<SpriteKind>(data[at] % 3);
+    size_t length = data[at + 1];
+    at += 2;
+    if (length == 0xFF && at + 2 <= size) length = data[at] | (data[at + 1] << 8), at += 2;
+    length = std::min(length, size - at);
+    owned.emplace_back(new uint8_t[length]);
+    std::copy(data + at, data + at + length, owned.back().get());
+    sprites.push_back({kind, owned.back().get(), length});
+    at += length;
+  }
+  const GrfActions g = ReadActions(sprites);
+  if (g.Sprites.size() != sprites.size()) std::abort();
+  for (const ActionRecord& a : g.Actions) {
+    const SpriteInput& s = sprites.at(static_cast<size_t>(a.Sprite));
+    if (s.Kind != SpriteKind::Pseudo || a.Have != s.Size) std::abort();
+    ActionSummary(a);
+  }
+  for (size_t i = 0; i < sprites.size(); ++i) {
+    const SpriteRole& role = g.Sprites[i];
+    if (role.ActionIndex >= static_cast<int32_t>(g.Actions.size())) std::abort();
+    RoleText(role, g.Actions);
+    const SpriteInput& s = sprites[i];
+    if (s.Kind != SpriteKind::Pseudo) {
+      NfoSpriteLine(static_cast<int32_t>(i), {NfoAlternative{}}, role, g.Actions);
+      continue;
+    }
+    NfoComment(role, g.Actions);
+    const auto bytes = ParseNfoBytes(NfoBytes(s.Data, s.Size));
+    if (!bytes || !std::equal(bytes->begin(), bytes->end(), s.Data, s.Data + s.Size) ||
+        bytes->size() != s.Size)
+      std::abort();
+  }
+  DecodeGrfText(data, size);
+  GrfIdText(g.Identity.Grf.Bytes);
+  ParseNfoBytes(std::string(data, data + size));
+  return 0;
+}
