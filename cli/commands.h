@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "actions.h"
 #include "grffile.h"
 #include "palette.h"
 
@@ -75,6 +76,8 @@ int CmdInfo(const std::vector<std::string>& args);
 int CmdSprite(const std::vector<std::string>& args);
 int CmdChunks(const std::vector<std::string>& args);
 int CmdExport(const std::vector<std::string>& args);
+int CmdAbout(const std::vector<std::string>& args);
+int CmdNfo(const std::vector<std::string>& args);
 
 // The text chunks of an exported PNG that carry the sprite's offsets.
 inline constexpr const char kXOffsetKey[] = "XOffset";

@@ -26,6 +26,8 @@ const char kUsage[] =
     "                                     the facts of sprite N (from 1), and its pixels as PNG\n"
     "  chunks FILE N [--zoom LEVEL] [--depth 8|32]\n"
     "                                     how sprite N (from 1) is stored, chunk by chunk\n"
+    "  about FILE                         what the file says about itself: GRF ID, name, palette\n"
+    "  nfo FILE                           the whole file as NFO text, numbered from 0\n"
     "  export FILE DIR [--palette PAL] [--force]\n"
     "                                     every sprite as a PNG file (pseudo-sprites as .bin)\n"
     "\n"
@@ -61,6 +63,8 @@ int main(int argc, char** argv) {
   if (command == "sprite") return CmdSprite(args);
   if (command == "chunks") return CmdChunks(args);
   if (command == "export") return CmdExport(args);
+  if (command == "about") return CmdAbout(args);
+  if (command == "nfo") return CmdNfo(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

@@ -45,7 +45,19 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
     std::printf("Zoom: %s\n", ZoomName(a.Zoom).c_str());
     std::printf("Depth: %dbpp\n", static_cast<int>(a.Depth));
   }
+  // A pseudo-sprite is told by what it says, not drawn.
+  const bool pseudo = f.Kind == SpriteKind::Pseudo;
+  if (pseudo) {
+    FileReading reading;
+    ReadFileActions(file, reading);
+    for (const auto& [key, value] : SpriteDetails(file, reading, index))
+      std::printf("%s: %s\n", key.c_str(), value.c_str());
+  }
   std::fflush(stdout);
+  if (pseudo && png != nullptr) {
+    std::fprintf(stderr, "vossel-cli: sprite %d is a pseudo-sprite; it has no pixels\n", index + 1);
+    return kExitFailure;
+  }
   SpritePicture picture;
   const GrfResult result = PictureOf(file, index, alternative, picture);
   if (result != GrfResult::Ok) {

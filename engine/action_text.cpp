@@ -461,6 +461,7 @@ std::string NfoSpriteLine(int32_t number, const std::vector<NfoAlternative>& alt
                      : std::to_string(a.Depth) + "bpp " + ZoomName(a.Zoom) + " " +
                            std::to_string(a.Width) + "x" + std::to_string(a.Height) + " at " +
                            std::to_string(a.X) + "," + std::to_string(a.Y);
+    if (!a.File.empty()) text += " " + a.File;
   }
   return text + " // " + RoleText(role, actions);
 }
@@ -491,6 +492,63 @@ std::optional<std::vector<uint8_t>> ParseNfoBytes(const std::string& text) {
     }
   }
   return bytes;
+}
+
+}  // namespace vossel
+
+namespace vossel {
+
+FactLines IdentityFacts(const GrfFile& file, const FileReading& reading) {
+  const GrfIdentity& id = reading.Actions.Identity;
+  const StaticInfo& info = id.Info;
+  FactLines lines;
+  lines.emplace_back("GRF ID", id.HasAction8 ? GrfIdText(id.Grf.Bytes) : "none");
+  if (id.HasAction8) lines.emplace_back("GRF version", std::to_string(id.GrfVersion));
+  // Action 08 names the file for the game's lists; Action 14 for newer games.
+  const std::string name = id.HasAction8 && !id.Name.empty() ? id.Name : info.Name;
+  const std::string description =
+      id.HasAction8 && !id.Description.empty() ? id.Description : info.Description;
+  if (!name.empty()) lines.emplace_back("Name", name);
+  if (!description.empty()) lines.emplace_back("Description", description);
+  if (info.HasVersion) lines.emplace_back("Version", std::to_string(info.Version));
+  if (info.HasMinVersion) lines.emplace_back("Minimum version", std::to_string(info.MinVersion));
+  // Action 14 says which palette the file is drawn in; 'A' allows either, and Windows is taken.
+  if (info.HasPalette && info.Palette == 'D')
+    lines.emplace_back("Palette", "DOS (declared by Action 14)");
+  else if (info.HasPalette)
+    lines.emplace_back("Palette", "Windows (declared by Action 14)");
+  else
+    lines.emplace_back("Palette", "Windows (nothing declared)");
+  if (info.HasDepth)
+    lines.emplace_back("Graphics", info.Depth == '3'   ? "32-bit"
+                                   : info.Depth == '8' ? "8-bit"
+                                                       : "'" + std::string(1, info.Depth) + "'");
+  lines.emplace_back("Sprites", std::to_string(SpriteCount(file)));
+  lines.emplace_back("Container", std::to_string(file.Container));
+  return lines;
+}
+
+FactLines SpriteDetails(const GrfFile& file, const FileReading& reading, int32_t sprite) {
+  FactLines lines;
+  const size_t i = static_cast<size_t>(sprite);
+  if (sprite < 0 || i >= reading.Actions.Sprites.size()) return lines;
+  const SpriteRole& role = reading.Actions.Sprites[i];
+  const std::vector<ActionRecord>& actions = reading.Actions.Actions;
+  const ActionRecord* own = role.Kind == RoleKind::Action || role.Kind == RoleKind::SpriteCount
+                                ? ActionOf(role, actions)
+                                : nullptr;
+  if (own != nullptr) {
+    lines.emplace_back("Action", own->IsSpriteCount
+                                     ? std::string("none (sprite count)")
+                                     : Hex(own->Action, 2) + " " + ActionName(own->Action));
+    lines.emplace_back("Summary", ActionSummary(*own));
+  } else {
+    lines.emplace_back("Role", RoleText(role, actions));
+  }
+  if (FactsOf(file, sprite, -1).Kind == SpriteKind::Pseudo)
+    lines.emplace_back("NFO",
+                       NfoPseudoLine(sprite, reading.Bytes[i].data(), reading.Bytes[i].size()));
+  return lines;
 }
 
 }  // namespace vossel

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "grffile.h"
@@ -196,6 +197,7 @@ struct NfoAlternative {
   uint16_t Width = 0, Height = 0;
   int16_t X = 0, Y = 0;
   int64_t DataSize = 0;
+  std::string File;  // where an export wrote it, if it did
 };
 // "15 8bpp normal 64x31 at -31,0; 32bpp in4 256x124 at -124,0 // set 2, sprite 5 of Action 01
 // (trains)".
@@ -203,5 +205,28 @@ std::string NfoSpriteLine(int32_t number, const std::vector<NfoAlternative>& alt
                           const SpriteRole& role, const std::vector<ActionRecord>& actions);
 // The bytes of an NFO byte text (hex pairs and quoted runs); nothing for text it cannot read.
 std::optional<std::vector<uint8_t>> ParseNfoBytes(const std::string& text);
+
+// --- On an opened file ---------------------------------------------------------------------------
+
+// What a whole opened file says about itself: its pseudo-sprites read, with their bytes kept for
+// the records' sake.
+struct FileReading {
+  std::vector<std::vector<uint8_t>> Bytes;  // per sprite; empty for pictures
+  GrfActions Actions;
+};
+void ReadFileActions(const GrfFile& file, FileReading& reading);
+
+// A real sprite's alternatives as the NFO listing names them.
+std::vector<NfoAlternative> NfoAlternativesOf(const GrfFile& file, int32_t sprite);
+// The NFO text of one sprite: for a pseudo-sprite its comment line and its bytes' line, for a
+// real sprite its one line. No line break at the end.
+std::string NfoText(const GrfFile& file, const FileReading& reading, int32_t sprite,
+                    const std::vector<NfoAlternative>& alternatives);
+
+// The file's identity as "Key: value" pairs, in the order the CLI and the Details window show them.
+using FactLines = std::vector<std::pair<std::string, std::string>>;
+FactLines IdentityFacts(const GrfFile& file, const FileReading& reading);
+// What one sprite is: a pseudo-sprite's action, summary and NFO line; a real sprite's role.
+FactLines SpriteDetails(const GrfFile& file, const FileReading& reading, int32_t sprite);
 
 }  // namespace vossel

@@ -80,6 +80,8 @@ void frmMain::Form_Unload() {
 
 void frmMain::EraseStores() {
   CloseGrfFile(File);
+  Reading = FileReading{};
+  ReadingDone = false;
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -159,6 +161,7 @@ void frmMain::LoadGRF() {
   SetCaption(this, "Reserving memory (and unloading previous data if any)...");
   DoEvents();
   ReserveSprites(load, File);
+  ReadingDone = false;
   AddMessage(PreparedMessage(GetTickCount() - start));
 
   start = GetTickCount();
@@ -210,6 +213,7 @@ void frmMain::ShowView() {
     SetCaption(this, kFormCaption);
     for (QLabel* label : {lblFlags, lblSize, lblCompressed, lblOffset}) SetCaption(label, "-");
     UpdateViewItems();
+    UpdateDetails();
     return;
   }
   DrawSprite(v);
@@ -231,6 +235,7 @@ void frmMain::ShowView() {
   SetCaption(lblSize, std::to_string(f.Size));
   SetCaption(lblCompressed, std::to_string(f.Compressed));
   SetCaption(lblOffset, OffsetText(f.XOffset, f.YOffset));
+  UpdateDetails();
 }
 
 void frmMain::scrSprite_Scroll() {

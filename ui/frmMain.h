@@ -14,6 +14,7 @@
 
 #include "filedialog.h"
 #include "frmChunk.h"
+#include "frmDetails.h"
 #include "grffile.h"
 #include "palette.h"
 #include "text.h"
@@ -73,6 +74,10 @@ class frmMain : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The chunk viewer, made by its first showing and kept until the program ends.
   std::unique_ptr<frmChunk> ChunkViewer;
+  // What the open file says about itself, read when the Details window first needs it.
+  FileReading Reading;
+  bool ReadingDone = false;
+  frmDetails* Details = nullptr;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -129,6 +134,8 @@ class frmMain : public QMainWindow {
   QAction* mnuDepth8;
   QAction* mnuDepth32;
   QAction* mnuMaskLayer;
+  QAction* mnuLine4;
+  QAction* mnuDetails;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -163,6 +170,7 @@ class frmMain : public QMainWindow {
   void mnuLevel_Click(int32_t zoom);
   void mnuDepth_Click(int32_t bits);
   void mnuMaskLayer_Click();
+  void mnuDetails_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
@@ -184,6 +192,8 @@ class frmMain : public QMainWindow {
   void SetMagnification(int32_t magnification);
   // Draws View's sprite and sets the caption, the labels and the View items from View.
   void ShowView();
+  // The Details window follows the sprite on view, while it is shown.
+  void UpdateDetails();
   // The alternative of a sprite to show: the chosen one where it has it, else its default.
   int32_t ShownAlternative(int32_t sprite) const;
   ViewState View;

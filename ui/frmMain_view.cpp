@@ -72,6 +72,8 @@ void frmMain::BuildViewItems() {
   mnuDepth32 = NewChoice(mnuColourDepth, depths, "&32 bpp", QKeySequence(Qt::CTRL | Qt::Key_8));
   mnuMaskLayer = NewCommand(mnuView, "&Mask Layer", {QKeySequence(Qt::CTRL | Qt::Key_M)});
   mnuMaskLayer->setCheckable(true);
+  mnuLine4 = mnuView->addSeparator();
+  mnuDetails = NewCommand(mnuView, "&Details", {QKeySequence(Qt::CTRL | Qt::Key_D)});
 
   connect(mnuZoomIn, &QAction::triggered, this, [this] { mnuZoomIn_Click(); });
   connect(mnuZoomOut, &QAction::triggered, this, [this] { mnuZoomOut_Click(); });
@@ -79,6 +81,7 @@ void frmMain::BuildViewItems() {
   connect(mnuDepth8, &QAction::triggered, this, [this] { mnuDepth_Click(8); });
   connect(mnuDepth32, &QAction::triggered, this, [this] { mnuDepth_Click(32); });
   connect(mnuMaskLayer, &QAction::triggered, this, [this] { mnuMaskLayer_Click(); });
+  connect(mnuDetails, &QAction::triggered, this, [this] { mnuDetails_Click(); });
   UpdateViewItems();
 }
 
@@ -131,6 +134,27 @@ void frmMain::mnuDepth_Click(int32_t bits) {
 void frmMain::mnuMaskLayer_Click() {
   View.Mask = !View.Mask;
   ShowView();
+}
+
+void frmMain::mnuDetails_Click() {
+  if (Details == nullptr) Details = new frmDetails(this);
+  Details->show();
+  Details->raise();
+  UpdateDetails();
+}
+
+void frmMain::UpdateDetails() {
+  if (Details == nullptr || !Details->isVisible()) return;
+  if (View.Sprite < 0 || View.Sprite >= SpriteCount(File)) {
+    Details->ShowNothing();
+    return;
+  }
+  if (!ReadingDone) {
+    ReadFileActions(File, Reading);
+    ReadingDone = true;
+  }
+  Details->ShowDetails(IdentityFacts(File, Reading), View.Sprite,
+                       SpriteDetails(File, Reading, View.Sprite));
 }
 
 void frmMain::UpdateViewItems() {

@@ -1,0 +1,46 @@
+// vossel-cli about FILE and nfo FILE: what a GRF file says about itself, and the whole file in
+// the NFO form NewGRF authors read.
+#include <cstdio>
+#include <string>
+
+#include "actions.h"
+#include "commands.h"
+
+namespace vossel {
+
+namespace {
+
+bool OneFile(const char* command, const std::vector<std::string>& args) {
+  if (ParseCommand(args, 1, {}).Error.empty()) return true;
+  std::fprintf(stderr, "Usage: vossel-cli %s FILE\n", command);
+  return false;
+}
+
+}  // namespace
+
+int CmdAbout(const std::vector<std::string>& args) {
+  if (!OneFile("about", args)) return kExitUsage;
+  GrfFile file;
+  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
+  FileReading reading;
+  ReadFileActions(file, reading);
+  std::string out;
+  for (const auto& [key, value] : IdentityFacts(file, reading)) out += key + ": " + value + "\n";
+  std::fwrite(out.data(), 1, out.size(), stdout);
+  return LoadStatus(file);
+}
+
+int CmdNfo(const std::vector<std::string>& args) {
+  if (!OneFile("nfo", args)) return kExitUsage;
+  GrfFile file;
+  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
+  FileReading reading;
+  ReadFileActions(file, reading);
+  std::string out;
+  for (int32_t i = 0; i < SpriteCount(file); ++i)
+    out += NfoText(file, reading, i, NfoAlternativesOf(file, i)) + "\n";
+  std::fwrite(out.data(), 1, out.size(), stdout);
+  return LoadStatus(file);
+}
+
+}  // namespace vossel
