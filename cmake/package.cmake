@@ -1,4 +1,4 @@
-# The Debian package of the programs, the palette, the demo file, the desktop entry, the icons and
+# The Debian package of the programs, the palettes, the demo file, the desktop entry, the icons and
 # the MIME type: `cpack -G DEB` in the build folder, or the `package` target.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vossel)
@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_CONTACT "Vossel maintainers <vossel@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "viewer for the sprites of Transport Tycoon GRF files")
 set(CPACK_PACKAGE_DESCRIPTION "Vossel opens a GRF file, the sprite collection of Transport Tycoon Deluxe
 and TTDPatch, decodes every sprite and shows them one at a time through the
-game's palette, with a sortable list of all sprites and a chunk viewer.
+game's palettes, with a sortable list of all sprites and a chunk viewer.
 vossel-cli prints the same facts and exports every sprite as a PNG file.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

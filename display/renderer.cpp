@@ -84,15 +84,43 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
   return view.copy();
 }
 
-void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
-                  double freeWidth, double areaHeight, QColor background, int32_t magnification) {
-  canvas.fill(background);
-  if (picture.isNull() || canvas.isNull()) return;
-  const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+QPoint PictureOrigin(double freeWidth, double areaHeight, QPoint shift) {
+  return QPoint(HalfOfRounded(freeWidth), HalfOfRounded(areaHeight)) + shift;
+}
 
-  // Only the part that falls on the canvas is magnified and copied.
-  const SpritePlacement at =
-      PlacePicture(picture.width(), picture.height(), xOffset, yOffset, freeWidth, areaHeight, m);
+namespace {
+
+SpritePlacement PlaceAtOrigin(QPoint origin, int32_t xOffset, int32_t yOffset, int32_t m) {
+  const auto at = [m](int32_t o, int32_t offset) {
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(int64_t{o} + int64_t{offset} * m, INT32_MIN, INT32_MAX));
+  };
+  return SpritePlacement{at(origin.x(), xOffset), at(origin.y(), yOffset)};
+}
+
+void PaintCrosshair(QImage& canvas, QPoint origin) {
+  QPainter painter(&canvas);
+  const QColor colour = QColor::fromRgba(vossel::kCrosshairColour);
+  const int32_t arm = vossel::kCrosshairArm;
+  painter.fillRect(QRect(origin.x() - arm, origin.y(), 2 * arm + 1, 1), colour);
+  painter.fillRect(QRect(origin.x(), origin.y() - arm, 1, 2 * arm + 1), colour);
+}
+
+// The magnified part as it will be seen: an 8-bit part with index 0 transparent, and any part
+// with alpha, over the checkerboard whose squares start at the picture's top left corner.
+QImage Shown(const QImage& picture, int32_t m, const QRect& part, bool transparentIndex0) {
+  QImage shown = MagnifiedPart(picture, m, part);
+  if (transparentIndex0 && shown.format() == QImage::Format_Indexed8 && shown.colorCount() > 0) {
+    shown.setColor(0, qRgba(0, 0, 0, 0));
+    return CompositeOverChecker(shown, part.topLeft());
+  }
+  if (picture.hasAlphaChannel()) return CompositeOverChecker(shown, part.topLeft());
+  return shown;
+}
+
+// Copies the magnified part of `picture` that falls on the canvas to its place.
+void PaintPlaced(QImage& canvas, const QImage& picture, SpritePlacement at, int32_t m,
+                 bool transparentIndex0) {
   const int64_t left = std::max<int64_t>(at.X, 0);
   const int64_t top = std::max<int64_t>(at.Y, 0);
   const int64_t right =
@@ -103,12 +131,29 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
 
   const QRect part(static_cast<int>(left - at.X), static_cast<int>(top - at.Y),
                    static_cast<int>(right - left), static_cast<int>(bottom - top));
-  QImage shown = MagnifiedPart(picture, m, part);
-  // The checkerboard's squares start at the picture's top left corner.
-  if (picture.hasAlphaChannel()) shown = CompositeOverChecker(shown, part.topLeft());
   QPainter painter(&canvas);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)), shown);
+  painter.drawImage(QPoint(static_cast<int>(left), static_cast<int>(top)),
+                    Shown(picture, m, part, transparentIndex0));
+}
+
+}  // namespace
+
+void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification,
+                  const vossel::PictureOptions& options) {
+  canvas.fill(background);
+  if (canvas.isNull()) return;
+  const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
+  const QPoint origin = vossel::PictureOrigin(freeWidth, areaHeight, options.OriginShift);
+  if (!picture.isNull()) {
+    const SpritePlacement at = options.AlignToOrigin
+                                   ? PlaceAtOrigin(origin, xOffset, yOffset, m)
+                                   : PlacePicture(picture.width(), picture.height(), xOffset,
+                                                  yOffset, freeWidth, areaHeight, m);
+    PaintPlaced(canvas, picture, at, m, options.TransparentIndex0);
+  }
+  if (options.AlignToOrigin) PaintCrosshair(canvas, origin);
 }
 
 QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
@@ -139,14 +184,14 @@ QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette) {
 
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background, int32_t magnification) {
+                QColor background, int32_t magnification, const vossel::PictureOptions& options) {
   if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
   const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
   const int32_t dataSize =
       static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
   const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
   PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, background,
-               magnification);
+               magnification, options);
   return true;
 }
 

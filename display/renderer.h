@@ -6,12 +6,30 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPoint>
 
 #include "grf.h"
 #include "grf2.h"
 #include "palette.h"
 
 namespace vossel {
+
+// How the picture area draws; everything off is the plain drawing.
+struct PictureOptions {
+  // Index 0 of an 8-bit picture shows the checkerboard that 32-bit pictures lie on.
+  bool TransparentIndex0 = false;
+  // Sprites stand at origin + offset x magnification, where a crosshair marks the origin: the
+  // centre of the free area moved by OriginShift (the view's own movement).
+  bool AlignToOrigin = false;
+  QPoint OriginShift;
+};
+
+// The crosshair: arms of this many pixels each side of the origin, one pixel wide.
+constexpr int32_t kCrosshairArm = 8;
+constexpr QRgb kCrosshairColour = 0xFFFF00FF;
+
+// The centre of the free area, halves truncated toward zero, moved by `shift`.
+QPoint PictureOrigin(double freeWidth, double areaHeight, QPoint shift);
 
 // Where a sprite's top left pixel lands: (freeWidth - Width + XOffset) / 2 and
 // (areaHeight - Height + YOffset) / 2, truncated toward zero. Magnified m times, the sizes and the
@@ -40,14 +58,17 @@ QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette);
 // at `index`.
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background = Qt::white, int32_t magnification = 1);
+                QColor background = Qt::white, int32_t magnification = 1,
+                const vossel::PictureOptions& options = {});
 
 // Wipes `canvas` to `background` and paints `picture` at the placement its size and offsets give,
 // magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
 // picture is copied opaque through its colour table; a 32-bit one with alpha (ARGB32 or RGBA8888,
-// not premultiplied) is laid over the checkerboard. A null picture leaves the canvas wiped.
+// not premultiplied) is laid over the checkerboard. A null picture leaves the canvas wiped (and,
+// aligned to the origin, the crosshair drawn).
 void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_t yOffset,
-                  double freeWidth, double areaHeight, QColor background, int32_t magnification);
+                  double freeWidth, double areaHeight, QColor background, int32_t magnification,
+                  const vossel::PictureOptions& options = {});
 
 // width x height palette indices, row by row, as an 8-bit indexed image through the palette. A
 // null image for an empty size or one above 64 MiB.

@@ -26,7 +26,9 @@ deb=$(echo build/vossel_*.deb)
 dpkg-deb --info "$deb"
 contents=$(dpkg-deb --contents "$deb")
 echo "$contents"
-for f in bin/vossel bin/vossel-cli lib/vossel/ttdw-jasc.pal lib/vossel/vossel-demo.grf \
+for f in bin/vossel bin/vossel-cli lib/vossel/ttdw-jasc.pal lib/vossel/ttd-dos-jasc.pal \
+  lib/vossel/ttd-windows-toyland-jasc.pal lib/vossel/ttd-dos-toyland-jasc.pal \
+  lib/vossel/vossel-demo.grf \
   share/applications/vossel.desktop share/mime/packages/vossel.xml \
   share/icons/hicolor/48x48/apps/vossel.png; do
   grep -q " \./usr/$f\( \|$\)" <<<"$contents" || { echo "The package lacks /usr/$f"; exit 1; }

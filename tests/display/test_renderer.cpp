@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "composite.h"
 #include "renderer.h"
 
 using namespace vossel;
@@ -56,6 +57,48 @@ TEST(DrawSprite, RandomSpritesLandWhereTheyShould) {
           const int i = at < store.SpriteData.size() ? store.SpriteData[at] : 0;
           want = qRgb(palette[4 * i + 2], palette[4 * i + 1], palette[4 * i]);
         }
+        ASSERT_EQ(canvas.pixel(x, y), want) << "round " << round << " at " << x << "," << y;
+      }
+    }
+  }
+}
+
+TEST(PaintPicture, TransparentIndexZeroAndTheOrigin) {
+  std::mt19937 rng(9);
+  const auto R = [&rng](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+  for (int round = 0; round < 60; ++round) {
+    QImage picture(R(1, 12), R(1, 12), QImage::Format_Indexed8);
+    for (int i = 0; i < 256; ++i) picture.setColor(i, qRgb(i, R(0, 255), 7));
+    for (int y = 0; y < picture.height(); ++y)
+      for (int x = 0; x < picture.width(); ++x)
+        picture.setPixel(x, y, R(0, 2) == 0 ? 0 : R(0, 255));
+    vossel::PictureOptions options;
+    options.TransparentIndex0 = true;
+    options.AlignToOrigin = R(0, 1) == 1;
+    options.OriginShift = QPoint(R(-20, 20), R(-20, 20));
+    const int m = R(1, 4), xOffset = R(-15, 5), yOffset = R(-15, 5), free = R(20, 80);
+    QImage canvas(90, 70, QImage::Format_RGB32);
+    PaintPicture(canvas, picture, xOffset, yOffset, free, 70, Qt::white, m, options);
+
+    // Aligned: origin + offset x m, the origin the free area's centre moved by the shift.
+    const int ox = free / 2 + options.OriginShift.x(), oy = 35 + options.OriginShift.y();
+    const int x0 =
+        options.AlignToOrigin ? ox + xOffset * m : (free - picture.width() * m + xOffset * m) / 2;
+    const int y0 =
+        options.AlignToOrigin ? oy + yOffset * m : (70 - picture.height() * m + yOffset * m) / 2;
+    for (int y = 0; y < canvas.height(); ++y) {
+      for (int x = 0; x < canvas.width(); ++x) {
+        const int c = x - x0, r = y - y0;
+        QRgb want = qRgb(255, 255, 255);
+        if (c >= 0 && c < picture.width() * m && r >= 0 && r < picture.height() * m) {
+          const int i = picture.pixelIndex(c / m, r / m);
+          want = i != 0                     ? picture.color(i)
+                 : (c / 8 + r / 8) % 2 == 0 ? kCheckerLight
+                                            : kCheckerDark;
+        }
+        const bool cross = (y == oy && std::abs(x - ox) <= vossel::kCrosshairArm) ||
+                           (x == ox && std::abs(y - oy) <= vossel::kCrosshairArm);
+        if (options.AlignToOrigin && cross) want = vossel::kCrosshairColour;
         ASSERT_EQ(canvas.pixel(x, y), want) << "round " << round << " at " << x << "," << y;
       }
     }

@@ -1,0 +1,152 @@
+// Palette choice, the shipped palettes, and company colours: a real OpenTTD sprite through
+// OpenGFX's red map, and random 32-bit pictures with a mask against the rule worked out here.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+#include "colours.h"
+#include "fileio.h"
+#include "renderer.h"
+
+using namespace vossel;
+
+namespace {
+
+QRgb Colour(const PaletteBuffer& p, int i) {
+  return qRgb(p[4 * i + 2], p[4 * i + 1], p[4 * i]);
+}
+
+int Differences(const PaletteBuffer& a, const PaletteBuffer& b) {
+  int n = 0;
+  for (int i = 0; i < 256; ++i) n += Colour(a, i) != Colour(b, i);
+  return n;
+}
+
+}  // namespace
+
+TEST(PaletteChoice, TokensFilesAndTexts) {
+  PaletteDeclaration dosToyland;
+  dosToyland.Kind = PaletteKind::Dos;
+  dosToyland.Toyland = true;
+  dosToyland.Source = PaletteSource::Descriptor;
+  dosToyland.DescriptorName = "set.obg";
+  // token | file drawn in | why
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"windows", "ttdw-jasc.pal", "Windows (chosen)"},
+      {"dos", "ttd-dos-jasc.pal", "DOS (chosen)"},
+      {"declared", "ttd-dos-toyland-jasc.pal", "DOS toyland (declared by set.obg)"},
+      {"./dos", "./dos", "./dos (chosen)"},
+      {"Windows", "Windows", "Windows (chosen)"},
+  };
+  for (const auto& [token, file, why] : cases) {
+    PaletteChoice choice;
+    ASSERT_TRUE(ParsePaletteChoice(token, choice));
+    const std::string path = PaletteFileFor(choice, dosToyland);
+    EXPECT_EQ(path.substr(path.size() - file.size()), file) << token;
+    EXPECT_EQ(PaletteChoiceText(choice, dosToyland), why);
+  }
+  PaletteChoice choice;
+  EXPECT_FALSE(ParsePaletteChoice("", choice));
+  EXPECT_EQ(DeclaredMenuText(dosToyland), "As the file declares (DOS toyland)");
+  EXPECT_EQ(DeclaredMenuText(PaletteDeclaration{}), "As the file declares (Windows)");
+}
+
+TEST(PaletteChoice, ShippedPalettesBesideTheProgram) {
+  PaletteBuffer windows{}, dos{}, windowsToy{}, dosToy{};
+  for (bool toyland : {false, true}) {
+    for (PaletteKind kind : {PaletteKind::Windows, PaletteKind::Dos}) {
+      PaletteDeclaration declared;
+      declared.Kind = kind;
+      declared.Toyland = toyland;
+      PaletteBuffer& into =
+          kind == PaletteKind::Dos ? (toyland ? dosToy : dos) : (toyland ? windowsToy : windows);
+      ASSERT_EQ(LoadChosenPalette(PaletteChoice{}, declared, into), -1) << int(kind) << toyland;
+    }
+  }
+  EXPECT_EQ(Differences(windows, dos), 37);
+  EXPECT_EQ(Differences(windows, windowsToy), 9);
+  EXPECT_EQ(Differences(dos, dosToy), 9);
+}
+
+TEST(CompanyColour, RealSpriteThroughOpenGfxRed) {
+  const std::string base = std::string(VOSSEL_BASESET_DIR);
+  CompanyMaps maps;
+  const FileReadResult file = ReadWholeFile(base + "/openttd.grf");
+  if (!file.Ok || LoadCompanyMaps(base + "/opengfx/ogfx1_base.grf", maps) != CompanyMapsResult::Ok)
+    GTEST_SKIP() << "openttd.grf or OpenGFX not installed";
+  const RecolourMap& red = MapOf(maps, CompanyColour::Red);
+  SpriteStore store;
+  LoadSprites(file.Bytes.data(), static_cast<int32_t>(file.Bytes.size()), store,
+              [](const std::string&) {});
+  PaletteBuffer palette;
+  std::mt19937 rng(7);
+  for (uint8_t& b : palette) b = static_cast<uint8_t>(rng());
+
+  int sprites = 0, companyPixels = 0;
+  for (const SpriteRecord& r : store.SpriteTable) {
+    if (r.Flags == kActionFlags || r.Width <= 0 || r.Height <= 0) continue;
+    const uint8_t* pixels = store.SpriteData.data() + r.DataOffset;
+    const int cells = r.Width * r.Height;
+    const int company = static_cast<int>(
+        std::count_if(pixels, pixels + cells, [](uint8_t i) { return i >= 0xC6 && i <= 0xCD; }));
+    if (company == 0) continue;
+    ++sprites, companyPixels += company;
+    std::vector<uint8_t> recoloured(pixels, pixels + cells);
+    RecolourIndices(recoloured.data(), recoloured.size(), red);
+    QImage picture = SpriteBitmap(r, store.SpriteData.data(),
+                                  static_cast<int32_t>(store.SpriteData.size()), palette);
+    RecolourColourTable(picture, red);
+    for (int at = 0; at < cells; ++at) {
+      const int i = pixels[at];
+      ASSERT_EQ(recoloured[static_cast<size_t>(at)], red[i]);
+      ASSERT_EQ(picture.pixel(at % r.Width, at / r.Width), Colour(palette, red[i]));
+    }
+  }
+  EXPECT_GT(sprites, 0);
+  EXPECT_GT(companyPixels, 0);
+}
+
+TEST(CompanyColour, RandomMaskedPicturesAgainstTheRule) {
+  std::mt19937 rng(11);
+  const auto R = [&rng](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+  for (int round = 0; round < 40; ++round) {
+    PaletteBuffer palette;
+    RecolourMap map;
+    for (uint8_t& b : palette) b = static_cast<uint8_t>(R(0, 255));
+    for (uint8_t& b : map) b = static_cast<uint8_t>(R(0, 255));
+    GrfV2Image image;
+    image.Width = R(1, 40);
+    image.Height = R(1, 30);
+    const size_t cells = static_cast<size_t>(image.Width * image.Height);
+    const bool wide = round % 4 != 0;  // every fourth picture 8-bit
+    if (wide) {
+      image.Rgba.resize(4 * cells);
+      for (uint8_t& b : image.Rgba) b = static_cast<uint8_t>(R(0, 255));
+    }
+    image.Indices.resize(cells);
+    for (uint8_t& b : image.Indices) b = static_cast<uint8_t>(R(0, 3) == 0 ? 0 : R(0, 255));
+
+    const QImage got = ImageBitmapInColour(image, palette, map);
+    ASSERT_EQ(got.size(), QSize(image.Width, image.Height));
+    for (size_t at = 0; at < cells; ++at) {
+      const int x = static_cast<int>(at % image.Width), y = static_cast<int>(at / image.Width);
+      const int m = image.Indices[at];
+      QRgb want = Colour(palette, map[m]);
+      if (wide) {
+        const uint8_t* p = &image.Rgba[4 * at];
+        want = qRgba(p[0], p[1], p[2], p[3]);
+        if (m != 0) {
+          const double brightness = std::max({p[0], p[1], p[2]});
+          const auto shade = [&](int c) {
+            return static_cast<int>(std::min(255.0, std::floor(c * brightness / 128.0)));
+          };
+          const QRgb c = Colour(palette, map[m]);
+          want = qRgba(shade(qRed(c)), shade(qGreen(c)), shade(qBlue(c)), p[3]);
+        }
+      }
+      ASSERT_EQ(got.pixel(x, y), want) << "round " << round << " at " << x << "," << y;
+    }
+  }
+}

@@ -1,0 +1,197 @@
+// Base-set descriptors, the palette a file declares, and the company colour maps: hand-made cases,
+// files written for the test, and the real OpenGFX set where it is installed.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <numeric>
+
+#include "baseset.h"
+#include "companymaps.h"
+#include "grf_writer.h"
+
+using namespace vossel;
+
+namespace {
+
+const std::string kOpenGfx = std::string(VOSSEL_BASESET_DIR) + "/opengfx";
+
+std::string Summary(const BaseSetDescriptor& d) {
+  return d.Name + "|" + d.Version + "|" + d.PaletteText + "|" +
+         std::to_string(static_cast<int>(d.Palette)) + "|" + d.Description + "|" + d.Base + "|" +
+         d.Toyland + "|" + d.Extra;
+}
+
+// A folder of its own under the temp folder, emptied first.
+std::filesystem::path Folder(const std::string& name) {
+  const auto dir = std::filesystem::path(grfw::WriteTemp("x", {})).parent_path() / name;
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir;
+}
+
+void Write(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+// 16 recolour sprites; map k sends index i to i + k.
+std::vector<grfw::Bytes> RecolourData() {
+  std::vector<grfw::Bytes> sprites;
+  for (int k = 0; k < kCompanyColourCount; ++k) {
+    grfw::Bytes s{0x00};
+    for (int i = 0; i < 256; ++i) s.push_back(static_cast<uint8_t>(i + k));
+    sprites.push_back(s);
+  }
+  return sprites;
+}
+
+}  // namespace
+
+TEST(Descriptor, Cases) {
+  // Palette: 0 none, 1 Windows, 2 DOS, 3 unknown.
+  const std::pair<std::string, std::string> cases[] = {
+      {"[metadata]\nname = Set\nversion = 7\npalette = DOS\ndescription = A set\n"
+       "description.de_DE = Ein Satz\n[files]\nbase = b.grf\ntoyland = t.grf\nextra = e.grf\n",
+       "Set|7|DOS|2|A set|b.grf|t.grf|e.grf"},
+      {"\xEF\xBB\xBF[METADATA]\r\n  Name\t=  Spaced  \r\nPALETTE=windows\r\n; base = no.grf\r\n"
+       "[Files]\r\nBASE=B.GRF\r\n",
+       "Spaced||windows|1||B.GRF||"},
+      {"name = outside\n[files]\nname = wrong section\npalette = DOS\n[metadata]\npalette = VGA\n",
+       "||VGA|3||||"},
+      {"[metadata]\nname = first\nname = last\nversion\n[broken\nversion = 2\n[files\nbase = x\n",
+       "last|||0||||"},
+      {"", "|||0||||"},
+      {std::string("[metadata]\nname = a\0b\n", 22), std::string("a\0b|||0||||", 11)},
+  };
+  for (const auto& [text, want] : cases) EXPECT_EQ(Summary(ParseDescriptor(text)), want) << text;
+
+  BaseSetDescriptor d;
+  EXPECT_EQ(ReadDescriptor("/nonexistent/x.obg", d), DescriptorRead::CannotOpen);
+  const auto big = Folder("big") / "big.obg";
+  Write(big, std::string(kMaxDescriptorBytes + 1, '\n'));
+  EXPECT_EQ(ReadDescriptor(big.string(), d), DescriptorRead::TooLarge);
+}
+
+TEST(Descriptor, DeclaredPaletteAndItsText) {
+  DescriptorMatch dos{"/x/set.obg", ParseDescriptor("[metadata]\npalette=DOS\n[files]\ntoyland=t"),
+                      BaseSetRole::Base};
+  DescriptorMatch toyland = dos;
+  toyland.Role = BaseSetRole::Toyland;
+  DescriptorMatch silent{"/x/quiet.obg", ParseDescriptor("[files]\nbase=b"), BaseSetRole::Base};
+  const std::tuple<std::optional<uint8_t>, std::optional<DescriptorMatch>, std::string> cases[] = {
+      {'D', std::nullopt, "DOS (declared by Action 14)"},
+      {'W', dos, "Windows (declared by Action 14)"},
+      {'A', dos, "Windows (Action 14 allows either)"},
+      {'D', toyland, "DOS toyland (declared by Action 14)"},
+      {'x', dos, "DOS (declared by set.obg)"},
+      {std::nullopt, toyland, "DOS toyland (declared by set.obg)"},
+      {std::nullopt, silent, "Windows (nothing declared)"},
+      {std::nullopt, std::nullopt, "Windows (nothing declared)"},
+  };
+  for (const auto& [pals, match, want] : cases)
+    EXPECT_EQ(DeclarationText(DeclaredPalette(pals, match)), want);
+}
+
+TEST(Descriptor, FoundBesideTheFileAndAmongInstalledSets) {
+  const auto dir = Folder("sets");
+  std::filesystem::create_directories(dir / "sub");
+  Write(dir / "b.obg", "[metadata]\npalette=Windows\n[files]\nbase=ONE.GRF\ntoyland=toy.grf\n");
+  Write(dir / "a.obg", "[metadata]\npalette=DOS\n[files]\nbase=missing.grf\nextra=toy.grf\n");
+  Write(dir / "sub" / "c.OBG", "[files]\nbase=two.grf\n");
+  Write(dir / "one.grf", "");
+  Write(dir / "sub" / "two.grf", "");
+
+  const auto one = FindDescriptorFor((dir / "one.grf").string());
+  ASSERT_TRUE(one);
+  EXPECT_EQ(one->Path, (dir / "b.obg").string());
+  EXPECT_EQ(one->Role, BaseSetRole::Base);
+  // Named by both: the first descriptor by name wins.
+  EXPECT_EQ(FindDescriptorFor((dir / "toy.grf").string())->Role, BaseSetRole::Extra);
+  EXPECT_FALSE(FindDescriptorFor((dir / "other.grf").string()));
+  EXPECT_FALSE(FindDescriptorFor("/nonexistent/one.grf"));
+
+  const auto sets = FindInstalledBaseSets({dir.string(), "/nonexistent"});
+  ASSERT_EQ(sets.size(), 3u);
+  EXPECT_EQ(sets[0].BasePath, "");
+  EXPECT_EQ(sets[1].BasePath, (dir / "one.grf").string());
+  EXPECT_EQ(sets[2].BasePath, (dir / "sub" / "two.grf").string());
+}
+
+TEST(Descriptor, RealOpenGfx) {
+  if (!std::filesystem::exists(kOpenGfx + "/opengfx.obg")) GTEST_SKIP() << "OpenGFX not installed";
+  const auto base = FindDescriptorFor(kOpenGfx + "/ogfx1_base.grf");
+  ASSERT_TRUE(base);
+  EXPECT_EQ(base->Descriptor.Name, "OpenGFX");
+  EXPECT_EQ(base->Descriptor.Base, "ogfx1_base.grf");
+  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, base)), "DOS (declared by opengfx.obg)");
+  const auto toyland = FindDescriptorFor(kOpenGfx + "/ogfxt_toyland.grf");
+  ASSERT_TRUE(toyland);
+  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, toyland)),
+            "DOS toyland (declared by opengfx.obg)");
+}
+
+TEST(CompanyMaps, Names) {
+  for (int i = 0; i < kCompanyColourCount; ++i) {
+    CompanyColour c{};
+    ASSERT_TRUE(ParseCompanyColour(CompanyColourToken(CompanyColour(i)), c));
+    EXPECT_EQ(static_cast<int>(c), i);
+  }
+  EXPECT_EQ(CompanyColourToken(CompanyColour::DarkBlue), "dark-blue");
+  EXPECT_EQ(CompanyColourCaption(CompanyColour::PaleGreen), "Pale Green");
+  EXPECT_EQ(CompanyColourToken(CompanyColour::White), "white");
+  CompanyColour c{};
+  for (const char* bad : {"", "Red", "dark_blue", "red ", "dark"})
+    EXPECT_FALSE(ParseCompanyColour(bad, c));
+}
+
+TEST(CompanyMaps, FromBothContainers) {
+  const std::vector<grfw::Bytes> maps = RecolourData();
+  std::vector<grfw::Bytes> v1(kFirstCompanyMapSprite, grfw::ActionRecord({0x0C, 0x00}));
+  std::vector<grfw::Bytes> v2(kFirstCompanyMapSprite, grfw::V2Data(0xFF, {0x0C}));
+  for (const grfw::Bytes& m : maps) {
+    v1.push_back(grfw::ActionRecord(m));
+    v2.push_back(grfw::V2Data(0xFF, m));
+  }
+  for (const std::string& path : {grfw::WriteTemp("maps1.grf", grfw::FileOf(v1)),
+                                  grfw::WriteTemp("maps2.grf", grfw::V2File(v2, {}))}) {
+    CompanyMaps got;
+    ASSERT_EQ(LoadCompanyMaps(path, got), CompanyMapsResult::Ok) << path;
+    for (int k = 0; k < kCompanyColourCount; ++k)
+      EXPECT_TRUE(std::equal(got.Maps[k].begin(), got.Maps[k].end(), maps[k].begin() + 1));
+  }
+
+  // One map short, one of 256 bytes, one starting 01, no file, no sprites.
+  v1.pop_back();
+  v2[kFirstCompanyMapSprite + 3] =
+      grfw::V2Data(0xFF, grfw::Bytes(maps[3].begin() + 1, maps[3].end()));
+  grfw::Bytes wrongFirst = maps[0];
+  wrongFirst[0] = 1;
+  std::vector<grfw::Bytes> v1b = v1;
+  v1b.push_back(grfw::ActionRecord(wrongFirst));
+  const std::pair<std::string, CompanyMapsResult> cases[] = {
+      {grfw::WriteTemp("short1.grf", grfw::FileOf(v1)), CompanyMapsResult::TooFewSprites},
+      {grfw::WriteTemp("bad2.grf", grfw::V2File(v2, {})), CompanyMapsResult::NotRecolour},
+      {grfw::WriteTemp("bad1.grf", grfw::FileOf(v1b)), CompanyMapsResult::NotRecolour},
+      {"/nonexistent/base.grf", CompanyMapsResult::CannotRead},
+      {grfw::WriteTemp("text.grf", {'h', 'i'}), CompanyMapsResult::NotGrf},
+  };
+  for (const auto& [path, want] : cases) {
+    CompanyMaps got;
+    EXPECT_EQ(LoadCompanyMaps(path, got), want) << path << ": " << CompanyMapsText(want);
+  }
+}
+
+TEST(CompanyMaps, RealOpenGfx) {
+  const auto sets = FindInstalledBaseSets({VOSSEL_BASESET_DIR});
+  CompanyMaps maps;
+  const std::string from = FindInstalledCompanyMaps(sets, maps);
+  if (from.empty()) GTEST_SKIP() << "no installed base set holds company colour maps";
+  EXPECT_EQ(from, kOpenGfx + "/ogfx1_base.grf");
+  // Dark blue is the company range itself; every colour moves that range and only that range.
+  for (int k = 0; k < kCompanyColourCount; ++k) {
+    for (int i = 0; i < 256; ++i) {
+      const bool company = i >= 0xC6 && i <= 0xCD;
+      EXPECT_TRUE((k != 0 && company) || maps.Maps[k][i] == i) << k << " at " << i;
+    }
+  }
+  EXPECT_NE(MapOf(maps, CompanyColour::Red)[0xC6], 0xC6);
+}
