@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "actions.h"
+#include "companymaps.h"
 #include "grffile.h"
 #include "palette.h"
 
@@ -42,10 +43,20 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
                          const std::vector<std::string>& options,
                          const std::vector<std::string>& flags = {});
 
-// The palette named by --palette, or without one (nullptr) the one beside the program, as the
-// window reads it at its start; prints the refusal, naming the file, and gives false when it
-// cannot be read.
-bool LoadCliPalette(const std::string* named, PaletteBuffer& palette);
+// The colours of a command's pictures, for a loaded file.
+struct CliColours {
+  PaletteBuffer Palette{};
+  std::string PaletteText;  // which palette, and why: "DOS (declared by Action 14)"
+  bool Company = false;
+  RecolourMap Map{};
+};
+// Reads --palette (windows, dos, declared or a palette file; declared by default), --company and
+// --base-set from `values`; the palette itself only when `load`. kExitOk, or the status after
+// saying why not.
+int ChooseColours(const GrfFile& file, const std::map<std::string, std::string>& values, bool load,
+                  CliColours& colours);
+// A picture in those colours.
+QImage CliPicture(const SpritePicture& picture, const CliColours& colours);
 
 // True for a text that reads as a whole number (a number out of range included).
 bool IsSpriteNumberText(const std::string& text);

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -30,7 +31,9 @@ namespace vossel {
 
 namespace {
 
-const char kExportUsage[] = "Usage: vossel-cli export FILE DIR [--palette PAL] [--force]\n";
+const char kExportUsage[] =
+    "Usage: vossel-cli export FILE DIR [--palette windows|dos|declared|PAL] [--company COLOUR] "
+    "[--base-set FILE] [--force]\n";
 
 enum class ExportKind : uint8_t { Picture, Bytes };
 
@@ -118,7 +121,7 @@ std::vector<ExportItem> PlanFiles(const GrfFile& file, ExportTally& tally) {
 
 // A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not
 // applied); pseudo-sprites and non-image data as their bytes.
-ExportContent SpriteContent(const GrfFile& file, const PaletteBuffer& palette,
+ExportContent SpriteContent(const GrfFile& file, const CliColours& colours,
                             const ExportItem& item) {
   ExportContent content;
   SpritePicture picture;
@@ -133,7 +136,7 @@ ExportContent SpriteContent(const GrfFile& file, const PaletteBuffer& palette,
                                static_cast<qsizetype>(picture.Indices.size()));
     return content;
   }
-  content.Picture = ImageBitmap(picture, palette);
+  content.Picture = CliPicture(picture, colours);
   content.XOffset = picture.XOffset;
   content.YOffset = picture.YOffset;
   return content;
@@ -293,7 +296,12 @@ int CmdExport(const std::vector<std::string>& args) {
                                          QStringLiteral("PAL"));
   const QCommandLineOption forceOption(QStringLiteral("force"),
                                        QStringLiteral("overwrite files that are there already"));
-  parser.addOptions({paletteOption, forceOption});
+  const QCommandLineOption companyOption(
+      QStringLiteral("company"), QStringLiteral("a company colour"), QStringLiteral("NAME"));
+  const QCommandLineOption baseSetOption(QStringLiteral("base-set"),
+                                         QStringLiteral("the base set with the colour maps"),
+                                         QStringLiteral("FILE"));
+  parser.addOptions({paletteOption, forceOption, companyOption, baseSetOption});
   QStringList arguments{QStringLiteral("vossel-cli export")};
   for (const std::string& a : args) arguments << QString::fromLocal8Bit(a);
   if (!parser.parse(arguments)) return UsageError(parser.errorText());
@@ -302,12 +310,16 @@ int CmdExport(const std::vector<std::string>& args) {
   const std::string fileName = positional[0].toLocal8Bit().toStdString();
   const QString dirName = positional[1];
 
-  PaletteBuffer palette{};
-  const std::string named = parser.value(paletteOption).toLocal8Bit().toStdString();
-  if (!LoadCliPalette(parser.isSet(paletteOption) ? &named : nullptr, palette)) return kExitFailure;
-
   GrfFile file;
   if (LoadForCli(fileName, file) != kExitOk) return kExitFailure;
+  std::map<std::string, std::string> values;
+  for (const QCommandLineOption* option : {&paletteOption, &companyOption, &baseSetOption})
+    if (parser.isSet(*option))
+      values[option->names().front().toStdString()] =
+          parser.value(*option).toLocal8Bit().toStdString();
+  CliColours colours;
+  if (const int status = ChooseColours(file, values, true, colours); status != kExitOk)
+    return status;
   ExportTally tally;
   const std::vector<ExportItem> items = PlanFiles(file, tally);
 
@@ -330,7 +342,7 @@ int CmdExport(const std::vector<std::string>& args) {
 
   QString failed, error;
   const bool done = WriteItems(
-      dir, items, [&](const ExportItem& item) { return SpriteContent(file, palette, item); }, tally,
+      dir, items, [&](const ExportItem& item) { return SpriteContent(file, colours, item); }, tally,
       failed, error);
   if (!done)
     std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", qPrintable(failed),

@@ -51,11 +51,4 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
   return false;
 }
 
-bool LoadCliPalette(const std::string* named, PaletteBuffer& palette) {
-  const std::string path = named ? *named : JoinPath(ProgramFolder(), kPaletteFileName);
-  if (LoadPalette(path, palette) != 0) return true;
-  FileError(path, kMsgBadPalette);
-  return false;
-}
-
 }  // namespace vossel

@@ -16,7 +16,8 @@ namespace vossel {
 namespace {
 
 const char kSpriteUsage[] =
-    "Usage: vossel-cli sprite FILE N [--png OUT [--force]] [--palette PAL] "
+    "Usage: vossel-cli sprite FILE N [--png OUT [--force]] [--palette windows|dos|declared|PAL] "
+    "[--company COLOUR] [--base-set FILE] "
     "[--zoom normal|in4|in2|out2|out4|out8] [--depth 8|32]\n";
 
 int UsageError(const std::string& why) {
@@ -36,7 +37,7 @@ void PrintFacts(int32_t index, int64_t width, int64_t height, uint8_t flags, int
 // The chosen alternative's facts (with its zoom and depth where sprites have several) and its
 // picture: an image decoded now, data as a strip of palette indices as an action sprite is shown.
 int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const std::string* png,
-               bool force, const PaletteBuffer& palette) {
+               bool force, const CliColours& colours) {
   const SpriteFacts f = FactsOf(file, index, alternative);
   PrintFacts(index, f.Width, f.Height, f.Flags, f.Size, f.Compressed, f.XOffset, f.YOffset);
   const AlternativeInfo a = AlternativeOf(file, index, alternative);
@@ -52,6 +53,8 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
     ReadFileActions(file, reading);
     for (const auto& [key, value] : SpriteDetails(file, reading, index))
       std::printf("%s: %s\n", key.c_str(), value.c_str());
+  } else {
+    std::printf("Palette: %s\n", colours.PaletteText.c_str());
   }
   std::fflush(stdout);
   if (pseudo && png != nullptr) {
@@ -66,7 +69,7 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
     return kExitFailure;
   }
   if (png == nullptr) return LoadStatus(file);
-  const QImage bitmap = ImageBitmap(picture, palette);
+  const QImage bitmap = CliPicture(picture, colours);
   if (bitmap.isNull()) {
     std::fprintf(stderr, "vossel-cli: sprite %d has no pixels (%lld x %lld); no PNG written\n",
                  index + 1, static_cast<long long>(f.Width), static_cast<long long>(f.Height));
@@ -88,7 +91,8 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
 }  // namespace
 
 int CmdSprite(const std::vector<std::string>& args) {
-  const CommandArgs parsed = ParseCommand(args, 2, {"png", "palette", "zoom", "depth"}, {"force"});
+  const CommandArgs parsed =
+      ParseCommand(args, 2, {"png", "palette", "zoom", "depth", "company", "base-set"}, {"force"});
   if (parsed.TooFew) return UsageError("sprite needs FILE and N");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
   if (!IsSpriteNumberText(args[1])) return UsageError("'" + args[1] + "' is not a sprite number");
@@ -96,23 +100,19 @@ int CmdSprite(const std::vector<std::string>& args) {
   std::string why;
   if (!ParseWish(parsed, wish, why)) return UsageError(why);
   const auto png = parsed.Values.find("png");
-  const auto ownPalette = parsed.Values.find("palette");
   const bool wantPng = png != parsed.Values.end();
-
-  // As at the window's start: the palette beside the program unless another is named. It is
-  // read only when it is used or named.
-  PaletteBuffer palette{};
-  const bool named = ownPalette != parsed.Values.end();
-  if ((wantPng || named) && !LoadCliPalette(named ? &ownPalette->second : nullptr, palette))
-    return kExitFailure;
 
   GrfFile file;
   if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   int32_t index = 0, alternative = -1;
   if (!ParseSpriteNumber(args[1], SpriteCount(file), index)) return kExitFailure;
   if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
+  // The palette is read only when a picture is written.
+  CliColours colours;
+  if (const int status = ChooseColours(file, parsed.Values, wantPng, colours); status != kExitOk)
+    return status;
   return ShowSprite(file, index, alternative, wantPng ? &png->second : nullptr,
-                    parsed.Values.count("force") > 0, palette);
+                    parsed.Values.count("force") > 0, colours);
 }
 
 }  // namespace vossel

@@ -117,4 +117,13 @@ QImage ImageBitmapInColour(const GrfV2Image& image, const PaletteBuffer& palette
   return bitmap;
 }
 
+QImage DrawnPicture(SpritePicture picture, const PaletteBuffer& palette, const RecolourMap* map) {
+  if (map == nullptr) return ImageBitmap(picture, palette);
+  if (picture.Rgba.empty()) {
+    RecolourIndices(picture.Indices.data(), picture.Indices.size(), *map);
+    return ImageBitmap(picture, palette);
+  }
+  return ImageBitmapInColour(picture, palette, *map);
+}
+
 }  // namespace vossel

@@ -66,4 +66,9 @@ void ShadeMaskedPixels(const uint8_t* rgba, const uint8_t* mask, size_t count,
 QImage ImageBitmapInColour(const GrfV2Image& image, const PaletteBuffer& palette,
                            const RecolourMap& map);
 
+// A decoded picture as the game draws it: through the palette, and with `map` (when given) in a
+// company's colours. An 8-bit picture keeps indices of its own, remapped; a 32-bit one with a mask
+// is shaded as ShadeMaskedPixels says.
+QImage DrawnPicture(SpritePicture picture, const PaletteBuffer& palette, const RecolourMap* map);
+
 }  // namespace vossel

@@ -509,16 +509,15 @@ FactLines IdentityFacts(const GrfFile& file, const FileReading& reading) {
   const std::string description =
       id.HasAction8 && !id.Description.empty() ? id.Description : info.Description;
   if (!name.empty()) lines.emplace_back("Name", name);
+  if (reading.Descriptor) {
+    const BaseSetDescriptor& set = reading.Descriptor->Descriptor;
+    lines.emplace_back("Base set",
+                       set.Name + (set.Version.empty() ? "" : ", version " + set.Version));
+  }
   if (!description.empty()) lines.emplace_back("Description", description);
   if (info.HasVersion) lines.emplace_back("Version", std::to_string(info.Version));
   if (info.HasMinVersion) lines.emplace_back("Minimum version", std::to_string(info.MinVersion));
-  // Action 14 says which palette the file is drawn in; 'A' allows either, and Windows is taken.
-  if (info.HasPalette && info.Palette == 'D')
-    lines.emplace_back("Palette", "DOS (declared by Action 14)");
-  else if (info.HasPalette)
-    lines.emplace_back("Palette", "Windows (declared by Action 14)");
-  else
-    lines.emplace_back("Palette", "Windows (nothing declared)");
+  lines.emplace_back("Palette", DeclarationText(DeclaredPaletteOf(reading)));
   if (info.HasDepth)
     lines.emplace_back("Graphics", info.Depth == '3'   ? "32-bit"
                                    : info.Depth == '8' ? "8-bit"

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "baseset.h"
 #include "grffile.h"
 
 namespace vossel {
@@ -213,8 +214,13 @@ std::optional<std::vector<uint8_t>> ParseNfoBytes(const std::string& text);
 struct FileReading {
   std::vector<std::vector<uint8_t>> Bytes;  // per sprite; empty for pictures
   GrfActions Actions;
+  // The base-set descriptor beside the file that names it, if any.
+  std::optional<DescriptorMatch> Descriptor;
 };
 void ReadFileActions(const GrfFile& file, FileReading& reading);
+
+// The palette the file is drawn in: its Action 14, else a descriptor beside it, else Windows.
+PaletteDeclaration DeclaredPaletteOf(const FileReading& reading);
 
 // A real sprite's alternatives as the NFO listing names them.
 std::vector<NfoAlternative> NfoAlternativesOf(const GrfFile& file, int32_t sprite);

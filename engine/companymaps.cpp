@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "fileio.h"
-#include "grf.h"
-#include "grf2.h"
+#include "grffile.h"
 
 namespace vossel {
 
@@ -35,43 +33,6 @@ constexpr ColourName kColourNames[kCompanyColourCount] = {
 
 using SpriteViews = std::array<std::span<const uint8_t>, kCompanyColourCount>;
 
-// The readers below are the only part that knows the containers; each fills the 16 views or says
-// why not.
-CompanyMapsResult ViewsOfVersion1(const std::vector<uint8_t>& file, SpriteStore& store,
-                                  SpriteViews& views) {
-  LoadSprites(file.data(), static_cast<int32_t>(file.size()), store, [](const std::string&) {});
-  if (store.SpriteTable.empty()) return CompanyMapsResult::NotGrf;
-  if (store.SpriteTable.size() < kFirstCompanyMapSprite + kCompanyColourCount)
-    return CompanyMapsResult::TooFewSprites;
-  for (int32_t i = 0; i < kCompanyColourCount; ++i) {
-    const SpriteRecord& r = store.SpriteTable[kFirstCompanyMapSprite + i];
-    const int64_t end = int64_t{r.DataOffset} + r.Size;
-    if (r.Flags != kActionFlags || r.DataOffset < 0 || r.Size < 0 ||
-        end > static_cast<int64_t>(store.SpriteData.size()))
-      return CompanyMapsResult::NotRecolour;
-    views[i] = std::span<const uint8_t>(store.SpriteData.data() + r.DataOffset,
-                                        static_cast<size_t>(r.Size));
-  }
-  return CompanyMapsResult::Ok;
-}
-
-CompanyMapsResult ViewsOfVersion2(const std::vector<uint8_t>& file, SpriteViews& views) {
-  GrfV2Index index;
-  IndexGrfV2(file.data(), file.size(), index, [](const std::string&) {});
-  if (index.Sprites.empty()) return CompanyMapsResult::NotGrf;
-  if (index.Sprites.size() < kFirstCompanyMapSprite + kCompanyColourCount)
-    return CompanyMapsResult::TooFewSprites;
-  for (int32_t i = 0; i < kCompanyColourCount; ++i) {
-    const GrfV2Sprite& s = index.Sprites[kFirstCompanyMapSprite + i];
-    if (s.Info != kV2Pseudo || s.DataOffset < 0 || s.DataSize < 0 ||
-        s.DataOffset + s.DataSize > static_cast<int64_t>(file.size()))
-      return CompanyMapsResult::NotRecolour;
-    views[i] =
-        std::span<const uint8_t>(file.data() + s.DataOffset, static_cast<size_t>(s.DataSize));
-  }
-  return CompanyMapsResult::Ok;
-}
-
 }  // namespace
 
 std::string_view CompanyColourToken(CompanyColour colour) {
@@ -100,16 +61,26 @@ CompanyMapsResult CompanyMapsFromSprites(const SpriteViews& sprites, CompanyMaps
   return CompanyMapsResult::Ok;
 }
 
-CompanyMapsResult LoadCompanyMaps(const std::string& path, CompanyMaps& maps) {
-  const FileReadResult read = ReadWholeFile(path);
-  if (!read.Ok) return CompanyMapsResult::CannotRead;
+CompanyMapsResult CompanyMapsOfFile(const GrfFile& file, CompanyMaps& maps) {
+  if (SpriteCount(file) == 0) return CompanyMapsResult::NotGrf;
+  if (SpriteCount(file) < kFirstCompanyMapSprite + kCompanyColourCount)
+    return CompanyMapsResult::TooFewSprites;
+  std::array<std::vector<uint8_t>, kCompanyColourCount> bytes;
   SpriteViews views;
-  SpriteStore store;  // holds the version-1 views until the maps are copied
-  const CompanyMapsResult found = IsGrfV2(read.Bytes.data(), read.Bytes.size())
-                                      ? ViewsOfVersion2(read.Bytes, views)
-                                      : ViewsOfVersion1(read.Bytes, store, views);
-  if (found != CompanyMapsResult::Ok) return found;
+  for (int32_t i = 0; i < kCompanyColourCount; ++i) {
+    if (!SpriteBytes(file, kFirstCompanyMapSprite + i, -1, bytes[i]))
+      return CompanyMapsResult::NotRecolour;
+    views[i] = bytes[i];
+  }
   return CompanyMapsFromSprites(views, maps);
+}
+
+CompanyMapsResult LoadCompanyMaps(const std::string& path, CompanyMaps& maps) {
+  GrfFile file;
+  const OpenOutcome opened = LoadGrfFile(path, file, nullptr, nullptr);
+  if (opened.End == OpenEnd::ReadFailure) return CompanyMapsResult::CannotRead;
+  if (opened.End == OpenEnd::TooSmall) return CompanyMapsResult::NotGrf;
+  return CompanyMapsOfFile(file, maps);
 }
 
 std::string FindInstalledCompanyMaps(const std::vector<InstalledBaseSet>& sets, CompanyMaps& maps) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "baseset.h"
+#include "grffile.h"
 
 namespace vossel {
 
@@ -69,6 +70,8 @@ enum class CompanyMapsResult : uint8_t {
 CompanyMapsResult CompanyMapsFromSprites(
     const std::array<std::span<const uint8_t>, kCompanyColourCount>& sprites, CompanyMaps& maps);
 
+// The maps of a file already open: its sprites 775 to 790.
+CompanyMapsResult CompanyMapsOfFile(const GrfFile& file, CompanyMaps& maps);
 // Reads the file (either container version) and takes its maps.
 CompanyMapsResult LoadCompanyMaps(const std::string& path, CompanyMaps& maps);
 

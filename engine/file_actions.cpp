@@ -19,6 +19,14 @@ void ReadFileActions(const GrfFile& file, FileReading& reading) {
     in.Size = bytes.size();
   }
   reading.Actions = ReadActions(inputs);
+  reading.Descriptor = FindDescriptorFor(file.Path);
+}
+
+PaletteDeclaration DeclaredPaletteOf(const FileReading& reading) {
+  const StaticInfo& info = reading.Actions.Identity.Info;
+  std::optional<uint8_t> pals;
+  if (info.HasPalette) pals = static_cast<uint8_t>(info.Palette);
+  return DeclaredPalette(pals, reading.Descriptor);
 }
 
 std::vector<NfoAlternative> NfoAlternativesOf(const GrfFile& file, int32_t sprite) {

@@ -81,7 +81,7 @@ TEST(CliExport, RealFileReadsBackAsTheStoreThroughThePalette) {
   const SpriteStore store = Load(ReadAll(real));
   const size_t count = store.SpriteTable.size();
   const fs::path dir = FreshFolder("export-real");
-  ASSERT_EQ(RunCli({"export", real.string(), dir.string()}).Status, 0);
+  ASSERT_EQ(RunCli({"export", real.string(), dir.string(), "--palette", "windows"}).Status, 0);
   EXPECT_EQ(size_t(std::distance(fs::directory_iterator(dir), {})), count);
   for (size_t i = 0; i < count; i += 37) ExpectSprite(dir, store, i);
   ExpectSprite(dir, store, count - 1);

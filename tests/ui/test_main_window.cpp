@@ -347,7 +347,10 @@ TEST_F(MainWindow, TheDemoFileAndARealFileLookAsTheCliDrawsThem) {
   const int n = 760;  // run form, 32 x 24
   form.scrSprite->SetValue(n - 1);
   const std::string png = grfw::WriteTemp("real.png", {});
-  ASSERT_EQ(RunCli({"sprite", fakes.Next, std::to_string(n), "--png", png, "--force"}).Status, 0);
+  ASSERT_EQ(RunCli({"sprite", fakes.Next, std::to_string(n), "--png", png, "--force", "--palette",
+                    "windows"})
+                .Status,
+            0);
   const QImage image(QString::fromStdString(png));
   const SpriteRecord& r = form.Store.SpriteTable[n - 1];
   ASSERT_EQ(image.size(), QSize(r.Width, r.Height));
