@@ -147,10 +147,17 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
   const int32_t m = std::clamp(magnification, kMinMagnification, kMaxMagnification);
   const QPoint origin = vossel::PictureOrigin(freeWidth, areaHeight, options.OriginShift);
   if (!picture.isNull()) {
-    const SpritePlacement at = options.AlignToOrigin
-                                   ? PlaceAtOrigin(origin, xOffset, yOffset, m)
-                                   : PlacePicture(picture.width(), picture.height(), xOffset,
-                                                  yOffset, freeWidth, areaHeight, m);
+    SpritePlacement at = options.AlignToOrigin
+                             ? PlaceAtOrigin(origin, xOffset, yOffset, m)
+                             : PlacePicture(picture.width(), picture.height(), xOffset, yOffset,
+                                            freeWidth, areaHeight, m);
+    // Without the origin the shift pans the picture itself.
+    if (!options.AlignToOrigin) {
+      at.X = static_cast<int32_t>(
+          std::clamp<int64_t>(int64_t{at.X} + options.OriginShift.x(), INT32_MIN, INT32_MAX));
+      at.Y = static_cast<int32_t>(
+          std::clamp<int64_t>(int64_t{at.Y} + options.OriginShift.y(), INT32_MIN, INT32_MAX));
+    }
     PaintPlaced(canvas, picture, at, m, options.TransparentIndex0);
   }
   if (options.AlignToOrigin) PaintCrosshair(canvas, origin);

@@ -19,7 +19,8 @@ struct PictureOptions {
   // Index 0 of an 8-bit picture shows the checkerboard that 32-bit pictures lie on.
   bool TransparentIndex0 = false;
   // Sprites stand at origin + offset x magnification, where a crosshair marks the origin: the
-  // centre of the free area moved by OriginShift (the view's own movement).
+  // centre of the free area moved by OriginShift (the view's own movement). Without the origin,
+  // OriginShift moves the picture from its usual place (panning).
   bool AlignToOrigin = false;
   QPoint OriginShift;
 };

@@ -206,6 +206,10 @@ void CloseGrfFile(GrfFile& file) {
   file.Scan.Generation = generation + 1;
 }
 
+bool DrawsDeclaredPalette(const GrfFile& file) {
+  return Version2(file);
+}
+
 int32_t SpriteCount(const GrfFile& file) {
   return file.Sprites;
 }

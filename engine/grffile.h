@@ -104,6 +104,10 @@ ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file);
 // Lets go of everything.
 void CloseGrfFile(GrfFile& file);
 
+// Whether a window draws the file in the palette it declares unless the user chooses another;
+// otherwise in the program's palette file, as the design has always drawn version-1 files.
+bool DrawsDeclaredPalette(const GrfFile& file);
+
 int32_t SpriteCount(const GrfFile& file);
 int32_t AlternativeCount(const GrfFile& file, int32_t sprite);
 AlternativeInfo AlternativeOf(const GrfFile& file, int32_t sprite, int32_t alternative);

@@ -169,6 +169,7 @@ void frmMain::LoadGRF() {
   DoEvents();
   DecodeSprites(load, File, ShowMessage);
   reported_.clear();
+  TakeFileColours();
   const int32_t count = SpriteCount(File);
   AddMessage(LoadedMessage(count, GetTickCount() - start));
 
@@ -199,6 +200,8 @@ void frmMain::LoadGRF() {
 void frmMain::SaveGRF() {}
 
 void frmMain::scrSprite_Change() {
+  // A new sprite starts where the design places it, unless the views are kept in register.
+  if (scrSprite->Value() != View.Sprite && !View.Origin) View.Pan = QPoint();
   View.Sprite = scrSprite->Value();
   ShowView();
 }

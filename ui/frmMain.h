@@ -12,6 +12,8 @@
 
 #include <QMainWindow>
 
+#include "colours.h"
+#include "companymaps.h"
 #include "filedialog.h"
 #include "frmChunk.h"
 #include "frmDetails.h"
@@ -89,6 +91,13 @@ class frmMain : public QMainWindow {
     // sprites, loads and New.
     int32_t Magnification = 1;
     bool Mask = false;  // a 32-bit picture's mask layer instead of its colours
+    // The palette: until the user chooses, the one the file is drawn in by default.
+    PaletteChoiceKind Palette = PaletteChoiceKind::Windows;
+    bool PaletteChosen = false;
+    int32_t Company = -1;  // a company colour, or -1 for none
+    bool Transparent = false;
+    bool Origin = false;
+    QPoint Pan;  // how far the picture (or the origin) has been dragged
   };
   const ViewState& Viewing() const { return View; }
 
@@ -135,6 +144,15 @@ class frmMain : public QMainWindow {
   QAction* mnuDepth32;
   QAction* mnuMaskLayer;
   QAction* mnuLine4;
+  QMenu* mnuPalette;
+  QAction* mnuPaletteWindows;
+  QAction* mnuPaletteDos;
+  QAction* mnuPaletteDeclared;
+  QMenu* mnuCompany;
+  std::array<QAction*, kCompanyColourCount + 1> mnuCompanyColour;  // None, then the colours
+  QAction* mnuTransparent;
+  QAction* mnuAlignOrigin;
+  QAction* mnuLine5;
   QAction* mnuDetails;
   QMenu* mnuTools;
   QAction* mnuChunk;
@@ -171,6 +189,10 @@ class frmMain : public QMainWindow {
   void mnuDepth_Click(int32_t bits);
   void mnuMaskLayer_Click();
   void mnuDetails_Click();
+  void mnuPalette_Click(PaletteChoiceKind kind);
+  void mnuCompany_Click(int32_t colour);
+  void mnuTransparent_Click();
+  void mnuAlignOrigin_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
@@ -194,6 +216,18 @@ class frmMain : public QMainWindow {
   void ShowView();
   // The Details window follows the sprite on view, while it is shown.
   void UpdateDetails();
+  // After a load: the file's declared palette, its company colour maps, the palette in use.
+  void TakeFileColours();
+  // Reads the palette View names into Palette; the palette file when it cannot be read.
+  void LoadViewPalette();
+  // Dragging pans, the wheel steps through sprites, Ctrl+wheel magnifies.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  PaletteDeclaration Declared;
+  CompanyMaps Maps;
+  bool HaveMaps = false;
+  std::string MapsFrom;  // where the maps came from, for the menu's tip
+  QPoint dragFrom_;
+  bool dragging_ = false;
   // The alternative of a sprite to show: the chosen one where it has it, else its default.
   int32_t ShownAlternative(int32_t sprite) const;
   ViewState View;

@@ -143,6 +143,7 @@ void frmMain::BuildControls() {
   lblT = NewLabel(BGpanel, "Messages:", 120, 1320, 3615, 255);
 
   picSprite = new PictureBox(Client, true);
+  picSprite->installEventFilter(this);
   picSprite->Scale = ScaleMode::Pixels;
   Move(picSprite, 3960, 1080, 3615, 2775);
   picSprite->SetBackColor(kWhite);

@@ -7,11 +7,15 @@
 #include <QActionGroup>
 #include <QKeySequence>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QWheelEvent>
 
 #include "composite.h"
 #include "frmMain.h"
+#include "palette.h"
 #include "picturebox.h"
 #include "scrollbar.h"
+#include "text.h"
 
 namespace vossel {
 
@@ -73,6 +77,34 @@ void frmMain::BuildViewItems() {
   mnuMaskLayer = NewCommand(mnuView, "&Mask Layer", {QKeySequence(Qt::CTRL | Qt::Key_M)});
   mnuMaskLayer->setCheckable(true);
   mnuLine4 = mnuView->addSeparator();
+  mnuPalette = mnuView->addMenu(QStringLiteral("&Palette"));
+  auto* palettes = new QActionGroup(this);
+  mnuPaletteWindows = NewChoice(mnuPalette, palettes, "&Windows (palette file)", QKeySequence());
+  mnuPaletteDos = NewChoice(mnuPalette, palettes, "&DOS", QKeySequence());
+  mnuPaletteDeclared = NewChoice(mnuPalette, palettes, "As the file &declares", QKeySequence());
+  connect(mnuPaletteWindows, &QAction::triggered, this,
+          [this] { mnuPalette_Click(PaletteChoiceKind::Windows); });
+  connect(mnuPaletteDos, &QAction::triggered, this,
+          [this] { mnuPalette_Click(PaletteChoiceKind::Dos); });
+  connect(mnuPaletteDeclared, &QAction::triggered, this,
+          [this] { mnuPalette_Click(PaletteChoiceKind::Declared); });
+  mnuCompany = mnuView->addMenu(QStringLiteral("Company &Colour"));
+  mnuCompany->setToolTipsVisible(true);
+  auto* companies = new QActionGroup(this);
+  for (int32_t c = -1; c < kCompanyColourCount; ++c) {
+    const std::string caption =
+        c < 0 ? "&None" : std::string(CompanyColourCaption(static_cast<CompanyColour>(c)));
+    QAction* item = NewChoice(mnuCompany, companies, caption.c_str(), QKeySequence());
+    mnuCompanyColour[static_cast<size_t>(c + 1)] = item;
+    connect(item, &QAction::triggered, this, [this, c] { mnuCompany_Click(c); });
+  }
+  mnuTransparent = NewCommand(mnuView, "&Transparent Background", {});
+  mnuTransparent->setCheckable(true);
+  mnuAlignOrigin = NewCommand(mnuView, "Align to &Origin", {});
+  mnuAlignOrigin->setCheckable(true);
+  connect(mnuTransparent, &QAction::triggered, this, [this] { mnuTransparent_Click(); });
+  connect(mnuAlignOrigin, &QAction::triggered, this, [this] { mnuAlignOrigin_Click(); });
+  mnuLine5 = mnuView->addSeparator();
   mnuDetails = NewCommand(mnuView, "&Details", {QKeySequence(Qt::CTRL | Qt::Key_D)});
 
   connect(mnuZoomIn, &QAction::triggered, this, [this] { mnuZoomIn_Click(); });
@@ -136,6 +168,104 @@ void frmMain::mnuMaskLayer_Click() {
   ShowView();
 }
 
+void frmMain::mnuPalette_Click(PaletteChoiceKind kind) {
+  View.Palette = kind;
+  View.PaletteChosen = true;
+  LoadViewPalette();
+  ShowView();
+}
+
+void frmMain::mnuCompany_Click(int32_t colour) {
+  View.Company = colour;
+  ShowView();
+}
+
+void frmMain::mnuTransparent_Click() {
+  View.Transparent = !View.Transparent;
+  ShowView();
+}
+
+void frmMain::mnuAlignOrigin_Click() {
+  View.Origin = !View.Origin;
+  View.Pan = QPoint();
+  ShowView();
+}
+
+void frmMain::TakeFileColours() {
+  if (!ReadingDone) {
+    ReadFileActions(File, Reading);
+    ReadingDone = true;
+  }
+  Declared = DeclaredPaletteOf(Reading);
+  if (!View.PaletteChosen)
+    View.Palette =
+        DrawsDeclaredPalette(File) ? PaletteChoiceKind::Declared : PaletteChoiceKind::Windows;
+  LoadViewPalette();
+  // The maps: the file's own when it is a base set, else those of an installed one, looked for
+  // once.
+  static CompanyMaps installed;
+  static std::string installedFrom = FindInstalledCompanyMaps(FindInstalledBaseSets(), installed);
+  HaveMaps = CompanyMapsOfFile(File, Maps) == CompanyMapsResult::Ok;
+  MapsFrom = HaveMaps ? File.Path : installedFrom;
+  if (!HaveMaps && !installedFrom.empty()) {
+    Maps = installed;
+    HaveMaps = true;
+  }
+}
+
+void frmMain::LoadViewPalette() {
+  // The palette file read at the start stays the fallback: a shipped palette that cannot be
+  // read is said once and the picture keeps its colours.
+  const PaletteChoice choice{View.Palette, std::string()};
+  PaletteBuffer chosen{};
+  if (View.Palette == PaletteChoiceKind::Windows && !Declared.Toyland) {
+    LoadPalette(PaletteFile, Palette);
+  } else if (LoadChosenPalette(choice, Declared, chosen) != 0) {
+    Palette = chosen;
+  } else {
+    AddMessage(PaletteFileFor(choice, Declared) + ": " + kMsgBadPalette);
+    LoadPalette(PaletteFile, Palette);
+  }
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != picSprite) return QMainWindow::eventFilter(watched, event);
+  switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+      const auto* press = static_cast<QMouseEvent*>(event);
+      dragging_ = press->button() == Qt::LeftButton;
+      dragFrom_ = press->position().toPoint();
+      return false;
+    }
+    case QEvent::MouseMove: {
+      if (!dragging_) return false;
+      const QPoint at = static_cast<QMouseEvent*>(event)->position().toPoint();
+      View.Pan += at - dragFrom_;
+      dragFrom_ = at;
+      DrawSprite(scrSprite->Value());
+      return true;
+    }
+    case QEvent::MouseButtonRelease:
+      dragging_ = false;
+      return false;
+    case QEvent::Wheel: {
+      const auto* wheel = static_cast<QWheelEvent*>(event);
+      const int steps = wheel->angleDelta().y() / 120;
+      if (steps == 0) return true;
+      if (wheel->modifiers() & Qt::ControlModifier) {
+        steps > 0 ? mnuZoomIn_Click() : mnuZoomOut_Click();
+      } else {
+        // As image viewers do: the wheel steps through the sprites, by the one road.
+        const int32_t next = std::clamp(scrSprite->Value() - steps, 0, scrSprite->Max());
+        if (next != scrSprite->Value()) scrSprite->SetValue(next);
+      }
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
 void frmMain::mnuDetails_Click() {
   if (Details == nullptr) Details = new frmDetails(this);
   Details->show();
@@ -174,6 +304,20 @@ void frmMain::UpdateViewItems() {
   // The wish to see the mask stays while browsing; only a picture with one can show it.
   mnuMaskLayer->setEnabled(Offer.Mask);
   mnuMaskLayer->setChecked(View.Mask);
+
+  mnuPaletteWindows->setChecked(View.Palette == PaletteChoiceKind::Windows);
+  mnuPaletteDos->setChecked(View.Palette == PaletteChoiceKind::Dos);
+  mnuPaletteDeclared->setChecked(View.Palette == PaletteChoiceKind::Declared);
+  mnuPaletteDeclared->setText(QString::fromStdString(DeclaredMenuText(Declared)));
+  for (int32_t c = -1; c < kCompanyColourCount; ++c)
+    mnuCompanyColour[static_cast<size_t>(c + 1)]->setChecked(View.Company == c);
+  mnuCompany->setEnabled(HaveMaps);
+  mnuCompany->menuAction()->setToolTip(
+      HaveMaps ? QString::fromStdString("Recolour maps from " + MapsFrom)
+               : QStringLiteral("No company colour maps: the file holds none and no base set "
+                                "with them is installed"));
+  mnuTransparent->setChecked(View.Transparent);
+  mnuAlignOrigin->setChecked(View.Origin);
 }
 
 }  // namespace vossel

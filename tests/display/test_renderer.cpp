@@ -80,12 +80,16 @@ TEST(PaintPicture, TransparentIndexZeroAndTheOrigin) {
     QImage canvas(90, 70, QImage::Format_RGB32);
     PaintPicture(canvas, picture, xOffset, yOffset, free, 70, Qt::white, m, options);
 
-    // Aligned: origin + offset x m, the origin the free area's centre moved by the shift.
+    // Aligned: origin + offset x m, the origin the free area's centre moved by the shift; else
+    // the usual place moved by the shift (panning).
     const int ox = free / 2 + options.OriginShift.x(), oy = 35 + options.OriginShift.y();
-    const int x0 =
-        options.AlignToOrigin ? ox + xOffset * m : (free - picture.width() * m + xOffset * m) / 2;
-    const int y0 =
-        options.AlignToOrigin ? oy + yOffset * m : (70 - picture.height() * m + yOffset * m) / 2;
+    const QPoint shift = options.OriginShift;
+    const int x0 = options.AlignToOrigin
+                       ? ox + xOffset * m
+                       : (free - picture.width() * m + xOffset * m) / 2 + shift.x();
+    const int y0 = options.AlignToOrigin
+                       ? oy + yOffset * m
+                       : (70 - picture.height() * m + yOffset * m) / 2 + shift.y();
     for (int y = 0; y < canvas.height(); ++y) {
       for (int x = 0; x < canvas.width(); ++x) {
         const int c = x - x0, r = y - y0;
