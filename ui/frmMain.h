@@ -13,6 +13,7 @@
 #include <QMainWindow>
 
 #include "filedialog.h"
+#include "follow.h"
 #include "frmChunk.h"
 #include "grffile.h"
 #include "palette.h"
@@ -28,6 +29,7 @@ class QMenu;
 
 namespace vossel {
 
+class FileWatch;
 class LineControl;
 class ListBox;
 class ListView;
@@ -77,13 +79,16 @@ class frmMain : public QMainWindow {
   struct ViewState {
     int32_t Sprite = -1;
     // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing;
-    // a sprite without that picture shows its default one. A load starts from the defaults.
+    // a sprite without that picture shows its default one. Open starts from the defaults; a
+    // reload keeps them.
     int32_t Zoom = -1;
     int32_t Depth = 0;
     // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across
     // sprites, loads and New.
     int32_t Magnification = 1;
     bool Mask = false;  // a 32-bit picture's mask layer instead of its colours
+    // Read the file again by itself once it has been rewritten.
+    bool Follow = true;
   };
   const ViewState& Viewing() const { return View; }
 
@@ -111,6 +116,7 @@ class frmMain : public QMainWindow {
   QMenu* mnuFile;
   QAction* mnuNew;
   QAction* mnuOpen;
+  QAction* mnuReload;
   QAction* mnuSave;
   QAction* mnuSaveAs;
   QAction* mnuLine1;
@@ -129,10 +135,14 @@ class frmMain : public QMainWindow {
   QAction* mnuDepth8;
   QAction* mnuDepth32;
   QAction* mnuMaskLayer;
+  QAction* mnuLine4;
+  QAction* mnuFollow;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
   QAction* mnuAbout;
+  // Watches the loaded file while View.Follow holds.
+  FileWatch* Follower;
 
   // Runs once before the window is first shown. False when the palette was refused: the window
   // has then been unloaded and must not be shown.
@@ -154,6 +164,7 @@ class frmMain : public QMainWindow {
 
   void mnuNew_Click();
   void mnuOpen_Click();
+  void mnuReload_Click();
   void mnuSaveAs_Click();
   void mnuQuit_Click();
   void mnuChunk_Click();
@@ -163,11 +174,20 @@ class frmMain : public QMainWindow {
   void mnuLevel_Click(int32_t zoom);
   void mnuDepth_Click(int32_t bits);
   void mnuMaskLayer_Click();
+  void mnuFollow_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
   // file dropped on the window.
   void OpenFile(const std::string& path);
+  // Reads the file on view again where the user was, keeping View where it still applies. Does
+  // nothing with no file, or while a load runs.
+  void Reload();
+
+ signals:
+  // After every load that has replaced the file on view, a reload included: whatever shows its
+  // sprites fills itself anew from File.
+  void FileLoaded();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -179,6 +199,14 @@ class frmMain : public QMainWindow {
   void BuildMenus();
   // The View menu's items behind Grid, with their handlers.
   void BuildViewItems();
+  // File > Reload, View > Follow File Changes and the watcher behind them.
+  void BuildFollowItems();
+  // The end of a load that has replaced the file: following and FileLoaded.
+  void Loaded();
+  void FileGone();
+  bool loading_ = false;   // LoadGRF runs: no reload may start inside it
+  bool keepView_ = false;  // the load running is a reload
+  SpritePlace place_;
   // The enabled and checked states of the View items for the sprite on view.
   void UpdateViewItems();
   void SetMagnification(int32_t magnification);
