@@ -84,6 +84,10 @@ std::string FileLoadedMessage(const std::string& fileName) {
   return "*** '" + fileName + "' loaded ***";
 }
 
+std::string FileGoneMessage(const std::string& fileName) {
+  return "'" + fileName + "' is gone; the last loaded sprites stay on view";
+}
+
 std::string ReadFailureText(int32_t number, const std::string& description,
                             const std::string& path) {
   return "Error " + std::to_string(number) + ": " + description + " (" + path + ")";

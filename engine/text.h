@@ -33,6 +33,8 @@ std::string StatusText(const std::string& fileName, int64_t compressedTotal, int
 std::string PreparedMessage(int32_t ticks);
 std::string LoadedMessage(int32_t count, int32_t ticks);
 std::string FileLoadedMessage(const std::string& fileName);
+// The line a followed file that has disappeared adds to the message list.
+std::string FileGoneMessage(const std::string& fileName);
 // The title after a failed read: "Error " + number + ": " + description + " (" + path + ")".
 std::string ReadFailureText(int32_t number, const std::string& description,
                             const std::string& path);

@@ -14,9 +14,11 @@
 #include <QMenuBar>
 #include <QPalette>
 #include <QPointer>
+#include <QScopeGuard>
 
 #include "controls.h"
 #include "filedialog.h"
+#include "filewatch.h"
 #include "grfdialog.h"
 #include "hwnd.h"
 #include "listbox.h"
@@ -24,6 +26,7 @@
 #include "picturebox.h"
 #include "process.h"
 #include "scrollbar.h"
+#include "text.h"
 
 namespace vossel {
 
@@ -50,6 +53,11 @@ frmChunk::frmChunk() {
                  Qt::MSWindowsFixedSizeDialogHint);
   setFont(WindowsFont("Tahoma", 8.25));
   BuildForm();
+  Follower = new FileWatch(this);
+  Follower->Changed = [this] { Rescan(); };
+  // The list keeps the last scan; the name says why it no longer changes.
+  Follower->Gone = [this] { SetCaption(lblFilename, FileGoneMessage(Follower->Path())); };
+  Follower->Busy = [this] { return scanning_; };
 }
 
 frmChunk::~frmChunk() = default;
@@ -124,6 +132,7 @@ void frmChunk::closeEvent(QCloseEvent* event) {
 
 void frmChunk::Form_Unload() {
   ++fillNumber_;
+  Follower->Stop();
   CloseGrfFile(File);
   SpriteMax = -1;
 }
@@ -140,6 +149,8 @@ void frmChunk::mnuClose_Click() {
 }
 
 void frmChunk::ScanGRF() {
+  scanning_ = true;
+  const auto ended = qScopeGuard([this] { scanning_ = false; });
   const ScanOutcome outcome = ScanGrfFile(FileName, File);
   const int32_t count = SpriteCount(File);
   switch (outcome.End) {
@@ -162,6 +173,18 @@ void frmChunk::ScanGRF() {
   const QPointer<QLabel> label = lblFilename;
   scrSprite_Change();
   if (label) SetCaption(label, FileName);
+  Follower->Follow(Follow ? File.Path : std::string());
+}
+
+void frmChunk::Rescan() {
+  if (scanning_ || Follower->Path().empty()) return;
+  BeforeReading(place_, Follower->Path(), scrSprite->Value());
+  FileName = Follower->Path();
+  ScanGRF();
+  if (!isVisible()) return;  // closed while the list was filled
+  const int32_t wanted = SpriteToShow(place_, scrSprite->Max());
+  if (FileName == place_.File && wanted != scrSprite->Value()) scrSprite->SetValue(wanted);
+  place_.Shown = scrSprite->Value();
 }
 
 void frmChunk::scrSprite_Change() {

@@ -8,6 +8,7 @@
 
 #include <QMainWindow>
 
+#include "follow.h"
 #include "grffile.h"
 
 class QAction;
@@ -21,6 +22,7 @@ namespace vossel {
 class ListBox;
 class PictureBox;
 class ScrollBar;
+class FileWatch;
 class clsFileDialog;
 
 // The window's title at every showing.
@@ -51,6 +53,10 @@ class frmChunk : public QMainWindow {
   // The highest sprite index the last usable scan offered: Count - 1, so -1 when it found none.
   // The scroll bar cannot go below 0; positions above this list nothing.
   int32_t SpriteMax = -1;
+  // Whether the viewer scans its file again by itself once it has been rewritten; the main
+  // window's choice, handed over at each showing.
+  bool Follow = true;
+  FileWatch* Follower = nullptr;
 
   // Controls, by their names.
   QLabel* lblFilename = nullptr;
@@ -65,6 +71,8 @@ class frmChunk : public QMainWindow {
   QAction* mnuClose = nullptr;
 
   void ScanGRF();
+  // Scans the followed file again, keeping the sprite position where the file still has it.
+  void Rescan();
   void Form_Unload();
   void scrSprite_Change();
   void scrSprite_Scroll();
@@ -79,6 +87,8 @@ class frmChunk : public QMainWindow {
   // while events run has been overtaken and leaves the list to whoever moved it.
   uint32_t fillNumber_ = 0;
   QEventLoop* modalLoop_ = nullptr;
+  bool scanning_ = false;  // ScanGRF runs: a rescan waits for its end
+  SpritePlace place_;
 };
 
 }  // namespace vossel

@@ -8,6 +8,7 @@
 
 #include <QCloseEvent>
 #include <QLabel>
+#include <QScopeGuard>
 
 #include "controls.h"
 #include "fileio.h"
@@ -135,7 +136,9 @@ void frmMain::AddSpriteRow(SpriteRowTexts row) {
 }
 
 void frmMain::LoadGRF() {
-  if (FileName.empty()) return;
+  if (FileName.empty() || loading_) return;
+  loading_ = true;
+  const auto ended = qScopeGuard([this] { loading_ = false; });
   int32_t start = GetTickCount();
   SetCaption(this, "Loading GRF file to memory...");
   DoEvents();
@@ -175,8 +178,10 @@ void frmMain::LoadGRF() {
 
   SetCaption(lblStatus,
              StatusText(FileName, File.CompressedTotal, File.DecodedTotal, File.FileLength));
-  View.Zoom = -1;
-  View.Depth = 0;
+  if (!keepView_) {
+    View.Zoom = -1;
+    View.Depth = 0;
+  }
 
   scrSprite->SetMax(count - 1);
   scrSprite_Change();
@@ -195,6 +200,7 @@ void frmMain::LoadGRF() {
   AddMessage(FileLoadedMessage(FileName));
   Li->SetListIndex(0);
   setEnabled(true);
+  Loaded();
 }
 
 void frmMain::SaveGRF() {}
@@ -308,6 +314,7 @@ void frmMain::mnuQuit_Click() {
 
 void frmMain::mnuChunk_Click() {
   if (!ChunkViewer) ChunkViewer = std::make_unique<frmChunk>();
+  ChunkViewer->Follow = View.Follow;
   ChunkViewer->ShowModal();
 }
 

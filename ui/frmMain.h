@@ -15,6 +15,7 @@
 #include "colours.h"
 #include "companymaps.h"
 #include "filedialog.h"
+#include "follow.h"
 #include "frmChunk.h"
 #include "frmDetails.h"
 #include "grffile.h"
@@ -31,6 +32,7 @@ class QMenu;
 
 namespace vossel {
 
+class FileWatch;
 class LineControl;
 class ListBox;
 class ListView;
@@ -84,7 +86,8 @@ class frmMain : public QMainWindow {
   struct ViewState {
     int32_t Sprite = -1;
     // The zoom level (-1: none) and colour depth (0: none) the user chose, kept while browsing;
-    // a sprite without that picture shows its default one. A load starts from the defaults.
+    // a sprite without that picture shows its default one. Open starts from the defaults; a
+    // reload keeps them.
     int32_t Zoom = -1;
     int32_t Depth = 0;
     // How many screen pixels a sprite pixel takes across and down, 1 to 16. It lasts across
@@ -98,6 +101,8 @@ class frmMain : public QMainWindow {
     bool Transparent = false;
     bool Origin = false;
     QPoint Pan;  // how far the picture (or the origin) has been dragged
+    // Read the file again by itself once it has been rewritten.
+    bool Follow = true;
   };
   const ViewState& Viewing() const { return View; }
 
@@ -125,6 +130,7 @@ class frmMain : public QMainWindow {
   QMenu* mnuFile;
   QAction* mnuNew;
   QAction* mnuOpen;
+  QAction* mnuReload;
   QAction* mnuSave;
   QAction* mnuSaveAs;
   QAction* mnuLine1;
@@ -154,10 +160,13 @@ class frmMain : public QMainWindow {
   QAction* mnuAlignOrigin;
   QAction* mnuLine5;
   QAction* mnuDetails;
+  QAction* mnuFollow;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
   QAction* mnuAbout;
+  // Watches the loaded file while View.Follow holds.
+  FileWatch* Follower;
 
   // Runs once before the window is first shown. False when the palette was refused: the window
   // has then been unloaded and must not be shown.
@@ -179,6 +188,7 @@ class frmMain : public QMainWindow {
 
   void mnuNew_Click();
   void mnuOpen_Click();
+  void mnuReload_Click();
   void mnuSaveAs_Click();
   void mnuQuit_Click();
   void mnuChunk_Click();
@@ -193,11 +203,20 @@ class frmMain : public QMainWindow {
   void mnuCompany_Click(int32_t colour);
   void mnuTransparent_Click();
   void mnuAlignOrigin_Click();
+  void mnuFollow_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
   // file dropped on the window.
   void OpenFile(const std::string& path);
+  // Reads the file on view again where the user was, keeping View where it still applies. Does
+  // nothing with no file, or while a load runs.
+  void Reload();
+
+ signals:
+  // After every load that has replaced the file on view, a reload included: whatever shows its
+  // sprites fills itself anew from File.
+  void FileLoaded();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -209,6 +228,14 @@ class frmMain : public QMainWindow {
   void BuildMenus();
   // The View menu's items behind Grid, with their handlers.
   void BuildViewItems();
+  // File > Reload, View > Follow File Changes and the watcher behind them.
+  void BuildFollowItems();
+  // The end of a load that has replaced the file: following and FileLoaded.
+  void Loaded();
+  void FileGone();
+  bool loading_ = false;   // LoadGRF runs: no reload may start inside it
+  bool keepView_ = false;  // the load running is a reload
+  SpritePlace place_;
   // The enabled and checked states of the View items for the sprite on view.
   void UpdateViewItems();
   void SetMagnification(int32_t magnification);

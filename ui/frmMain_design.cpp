@@ -92,6 +92,7 @@ void frmMain::BuildMenus() {
   // Shortcut 51 of the window layer's list: Shift+F1. Nothing stands behind the item.
   mnuViewGrid = NewItem(mnuView, "&Grid", QKeySequence(Qt::SHIFT | Qt::Key_F1), true);
   BuildViewItems();
+  BuildFollowItems();
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
   mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
