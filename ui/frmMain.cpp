@@ -108,11 +108,19 @@ bool frmMain::DrawSprite(int32_t Index) {
   }
   const bool mask = View.Mask && !picture.Rgba.empty() &&
                     picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
+  const int32_t x = picture.XOffset, y = picture.YOffset;
+  const RecolourMap* map = View.Company >= 0 && HaveMaps
+                               ? &MapOf(Maps, static_cast<CompanyColour>(View.Company))
+                               : nullptr;
   const QImage image =
       mask ? IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, Palette)
-           : ImageBitmap(picture, Palette);
-  PaintPicture(picSprite->Image(), image, picture.XOffset, picture.YOffset, Left(scrSprite),
-               ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()), View.Magnification);
+           : DrawnPicture(std::move(picture), Palette, map);
+  PictureOptions options;
+  options.TransparentIndex0 = View.Transparent;
+  options.AlignToOrigin = View.Origin;
+  options.OriginShift = View.Pan;
+  PaintPicture(picSprite->Image(), image, x, y, Left(scrSprite), ScaleHeight(picSprite),
+               ColourOfBgr(picSprite->BackColor()), View.Magnification, options);
   picSprite->Refresh();
   return true;
 }
