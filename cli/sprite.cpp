@@ -48,14 +48,12 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
   }
   // A pseudo-sprite is told by what it says, not drawn.
   const bool pseudo = f.Kind == SpriteKind::Pseudo;
-  if (pseudo) {
-    FileReading reading;
-    ReadFileActions(file, reading);
-    for (const auto& [key, value] : SpriteDetails(file, reading, index))
-      std::printf("%s: %s\n", key.c_str(), value.c_str());
-  } else {
-    std::printf("Palette: %s\n", colours.PaletteText.c_str());
-  }
+  if (!pseudo) std::printf("Palette: %s\n", colours.PaletteText.c_str());
+  // What the sprite is: a pseudo-sprite's action, summary and NFO line, a picture's role.
+  FileReading reading;
+  ReadFileActions(file, reading);
+  for (const auto& [key, value] : SpriteDetails(file, reading, index))
+    std::printf("%s: %s\n", key.c_str(), value.c_str());
   std::fflush(stdout);
   if (pseudo && png != nullptr) {
     std::fprintf(stderr, "vossel-cli: sprite %d is a pseudo-sprite; it has no pixels\n", index + 1);

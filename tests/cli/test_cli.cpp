@@ -5,11 +5,16 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
 #include <regex>
 #include <sstream>
 
+#include "actions.h"
 #include "case_file.h"
 #include "grf_writer.h"
+#include "reference.h"
 #include "run_cli.h"
 
 using grfw::Bytes;
@@ -17,6 +22,11 @@ using grfw::Bytes;
 namespace {
 
 namespace fs = std::filesystem;
+
+Bytes ReadAllBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
 
 // One record of each kind, chunks at the edges of both kinds, and a last record cut short.
 Bytes Kinds() {
@@ -103,4 +113,66 @@ TEST(Cli, Transcript) {
                          "/linked.png --force 2>/dev/null")
                             .c_str()),
             0);
+}
+
+// The NFO listing read back into bytes gives every pseudo-sprite's bytes, as the plain decoder or
+// a walk of the data section finds them in the file, on the real files and on random ones.
+TEST(Cli, NfoReadsBackIntoEveryPseudoSprite) {
+  std::vector<std::pair<std::string, std::map<int, Bytes>>> files;
+  const std::string base = VOSSEL_BASESET_DIR;
+  for (const std::string name : {"openttd.grf", "orig_extra.grf"}) {
+    if (!fs::exists(base + "/" + name)) continue;
+    const Bytes bytes = ReadAllBytes(base + "/" + name);
+    const vossel::ReferenceLoad ref =
+        vossel::ReferenceDecode(bytes.data(), static_cast<int32_t>(bytes.size()), {});
+    std::map<int, Bytes> pseudo;
+    for (int i = 0; i < ref.Count; ++i) {
+      const vossel::SpriteRecord& r = ref.Table[static_cast<size_t>(i)];
+      if (r.Flags == 0xFF)
+        pseudo[i].assign(&ref.Data[r.DataOffset], &ref.Data[r.DataOffset] + r.Size);
+    }
+    files.emplace_back(base + "/" + name, pseudo);
+  }
+  // Version 2: the data section's entries of info FF, walked here.
+  if (const std::string v2 = base + "/opengfx/ogfxe_extra.grf"; fs::exists(v2)) {
+    const Bytes b = ReadAllBytes(v2);
+    std::map<int, Bytes> pseudo;
+    for (size_t at = 15, n = 0;; ++n) {
+      const size_t size = b[at] | b[at + 1] << 8 | b[at + 2] << 16 | size_t{b[at + 3]} << 24;
+      if (size == 0) break;
+      if (b[at + 4] == 0xFF) pseudo[int(n)].assign(&b[at + 5], &b[at + 5] + size);
+      at += 5 + size;
+    }
+    files.emplace_back(v2, pseudo);
+  }
+  std::mt19937 rng(20);
+  for (int round = 0; round < 20; ++round) {
+    std::vector<Bytes> records;
+    std::map<int, Bytes> pseudo;
+    for (int i = 0; i < 30; ++i) {
+      if (rng() % 2) {
+        Bytes data(1 + rng() % 300);
+        for (uint8_t& c : data) c = rng() % 3 ? uint8_t(0x20 + rng() % 95) : uint8_t(rng());
+        records.push_back(grfw::ActionRecord(pseudo[i] = data));
+      } else {
+        records.push_back(grfw::PlainSprite(2, 1, {1, 2}));
+      }
+    }
+    files.emplace_back(
+        grfw::WriteTemp("nfo-" + std::to_string(round) + ".grf", grfw::FileOf(records)), pseudo);
+  }
+  const std::regex line("(\\d+) \\* (\\d+) (.*)");
+  for (const auto& [path, pseudo] : files) {
+    const CliRun run = RunCli({"nfo", path});
+    ASSERT_EQ(run.Status, 0) << path;
+    std::map<int, Bytes> read;
+    std::istringstream out(run.Out);
+    std::smatch m;
+    for (std::string text; std::getline(out, text);) {
+      if (!std::regex_match(text, m, line)) continue;
+      read[std::stoi(m[1])] = vossel::ParseNfoBytes(m[3]).value_or(Bytes{});
+      EXPECT_EQ(read[std::stoi(m[1])].size(), std::stoul(m[2])) << path << ": " << text;
+    }
+    EXPECT_EQ(read, pseudo) << path;
+  }
 }
