@@ -11,10 +11,15 @@
 #include <regex>
 #include <sstream>
 
+#include <QImage>
+
 #include "actions.h"
 #include "case_file.h"
+#include "companymaps.h"
 #include "grf_writer.h"
+#include "palette.h"
 #include "reference.h"
+#include "renderer.h"
 #include "run_cli.h"
 
 using grfw::Bytes;
@@ -175,4 +180,41 @@ TEST(Cli, NfoReadsBackIntoEveryPseudoSprite) {
     }
     EXPECT_EQ(read, pseudo) << path;
   }
+}
+
+// A PNG's own palette is the one chosen (the declared DOS table of orig_extra.grf by default), and
+// in a company's colours each index i of a sprite becomes index map[i] of OpenGFX's maps.
+TEST(Cli, PngsCarryTheChosenPaletteAndCompanyColours) {
+  const std::string base = VOSSEL_BASESET_DIR, extra = base + "/orig_extra.grf";
+  const std::string ogfx = base + "/opengfx/ogfx1_base.grf";
+  if (!fs::exists(extra) || !fs::exists(ogfx)) GTEST_SKIP() << "the real files are not installed";
+  const auto png = [](const std::vector<std::string>& options) {
+    const std::string out = grfw::WriteTemp("chosen.png", {});
+    std::vector<std::string> args{"sprite", options[0], options[1], "--png", out, "--force"};
+    args.insert(args.end(), options.begin() + 2, options.end());
+    EXPECT_EQ(RunCli(args).Status, 0);
+    return QImage(QString::fromStdString(out));
+  };
+  const auto table = [](const std::string& file) {
+    vossel::PaletteBuffer p{};
+    EXPECT_NE(vossel::LoadPalette(std::string(VOSSEL_BIN_DIR) + "/" + file, p), 0);
+    return vossel::PaletteColours(p);
+  };
+  EXPECT_EQ(png({extra, "105"}).colorTable(), table("ttd-dos-jasc.pal"));
+  EXPECT_EQ(png({extra, "105", "--palette", "windows"}).colorTable(), table("ttdw-jasc.pal"));
+  vossel::CompanyMaps maps;
+  ASSERT_EQ(vossel::LoadCompanyMaps(ogfx, maps), vossel::CompanyMapsResult::Ok);
+  const vossel::RecolourMap& red = vossel::MapOf(maps, vossel::CompanyColour::Red);
+  const std::string openttd = base + "/openttd.grf";
+  const QImage plain = png({openttd, "1310"}),
+               recoloured = png({openttd, "1310", "--company", "red"});
+  ASSERT_EQ(plain.size(), recoloured.size());
+  int changed = 0;
+  for (int y = 0; y < plain.height(); ++y)
+    for (int x = 0; x < plain.width(); ++x) {
+      const int i = plain.pixelIndex(x, y);
+      ASSERT_EQ(recoloured.pixelIndex(x, y), red[static_cast<size_t>(i)]) << x << "," << y;
+      changed += red[static_cast<size_t>(i)] != i;
+    }
+  EXPECT_GT(changed, 0);
 }
