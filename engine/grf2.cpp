@@ -41,6 +41,10 @@ void Stop(Indexer& ix, const GrfProblem& p) {
   Note(ix, p);
 }
 
+// Room made ahead for the index's tables, at most: a file of any size may claim any count, and
+// the tables grow past it as entries are really found.
+constexpr size_t kMostReserved = size_t{1} << 22;
+
 GrfProblem ReadProblem(const ByteSource& source, int64_t at, const ReadOutcome& read) {
   if (read.End == ReadEnd::Changed)
     return {GrfResult::FileChanged, source.Length, 0, 0, read.LengthNow};
@@ -77,7 +81,8 @@ bool Look(Indexer& ix, int64_t at, int64_t n, int64_t end, Reader& r) {
 bool IndexDataSection(Indexer& ix, int64_t end) {
   int64_t pos = kGrfV2HeaderSize;
   // Room for a section of references, 9 bytes each, which most files are.
-  ix.Index.Sprites.reserve(static_cast<size_t>(std::max<int64_t>(end - pos, 0) / 9));
+  ix.Index.Sprites.reserve(
+      std::min(static_cast<size_t>(std::max<int64_t>(end - pos, 0) / 9), kMostReserved));
   for (Reader r{}; Look(ix, pos, 9, end, r);) {
     const int32_t number = static_cast<int32_t>(ix.Index.Sprites.size()) + 1;
     uint32_t size = 0;
@@ -153,7 +158,7 @@ std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
   // Each reference has an alternative or more, and an image entry takes 18 bytes at least.
   size_t references = 0;
   for (const GrfV2Sprite& s : ix.Index.Sprites) references += s.Info == kV2Reference;
-  const size_t room = static_cast<size_t>((end - pos) / 18);
+  const size_t room = std::min(static_cast<size_t>((end - pos) / 18), kMostReserved);
   ix.Index.Alternatives.reserve(std::min(room, 3 * references));
   groups.reserve(std::min(room, references));
   // An entry's head: id, size and the image header of the tile form, the longest.
