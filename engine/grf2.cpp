@@ -375,14 +375,10 @@ ByteSource FileSource(const OpenedFile& file) {
   return {nullptr, &file, file.Length};
 }
 
-GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes,
-                     GrfProblem* problem) {
+GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes) {
   bytes.clear();
-  if (!Fits(at, n, source.Length)) {
-    // Only a file that has changed can make an index point outside it.
-    if (problem) *problem = {GrfResult::FileChanged, source.Length, 0, 0, source.Length};
-    return GrfResult::FileChanged;
-  }
+  // Only a file that has changed can make an index point outside it.
+  if (!Fits(at, n, source.Length)) return GrfResult::FileChanged;
   if (source.Memory != nullptr) {
     bytes.assign(source.Memory + at, source.Memory + at + n);
     return GrfResult::Ok;
@@ -391,9 +387,7 @@ GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vecto
   const ReadOutcome read = ReadAt(*source.File, at, bytes.data(), n);
   if (read.End == ReadEnd::Ok) return GrfResult::Ok;
   bytes.clear();
-  const GrfProblem p = ReadProblem(source, at, read);
-  if (problem) *problem = p;
-  return p.Kind;
+  return ReadProblem(source, at, read).Kind;
 }
 
 GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,

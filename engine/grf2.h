@@ -141,10 +141,8 @@ struct ByteSource {
 ByteSource MemorySource(const uint8_t* file, size_t length);
 ByteSource FileSource(const OpenedFile& file);
 
-// n bytes at `at` into `bytes` (replaced): Ok, FileChanged or ReadFailed, with `problem` telling
-// it where given.
-GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes,
-                     GrfProblem* problem = nullptr);
+// n bytes at `at` into `bytes` (replaced): Ok, FileChanged or ReadFailed.
+GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes);
 
 // Indexes both sections into `index` (replacing what it held) and gives its End. Each problem is
 // raised through `message` as it is found, up to kV2ProblemMessages. Only the entries' heads are

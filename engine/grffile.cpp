@@ -78,6 +78,14 @@ GrfResult DataBytes(const GrfFile& file, int32_t sprite, int32_t alternative, in
   return ReadSource(SourceOf(file), offset, std::min(size, most), bytes);
 }
 
+// A file long enough to load that starts with the version-2 signature; only its first bytes are
+// read.
+bool Version2File(const OpenedFile& file) {
+  uint8_t head[sizeof kGrfV2Signature] = {};
+  return file.Length >= kMinFileSize && ReadAt(file, 0, head, sizeof head).End == ReadEnd::Ok &&
+         IsGrfV2(head, sizeof head);
+}
+
 // A chunk is its control byte and up to 128 data bytes; one byte more tells whether another
 // follows.
 constexpr int64_t kChunkWindow = 130;
@@ -89,9 +97,7 @@ OpenOutcome ReadForLoad(const std::string& path, GrfLoad& load) {
   if (!open.Ok)
     return {OpenEnd::ReadFailure, ReadFailureText(open.ErrorNumber, open.Description, path)};
   if (open.File->Length < kMinFileSize) return {OpenEnd::TooSmall, kMsgTooSmall};
-  uint8_t head[sizeof kGrfV2Signature] = {};
-  load.Version2 =
-      ReadAt(*open.File, 0, head, sizeof head).End == ReadEnd::Ok && IsGrfV2(head, sizeof head);
+  load.Version2 = Version2File(*open.File);
   if (load.Version2) {
     load.Source = open.File;
   } else {
@@ -180,10 +186,7 @@ ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file) {
   const FileOpenResult open = OpenForReading(path);
   if (!open.Ok)
     return {ScanEnd::ReadFailure, 0, ReadFailureText(open.ErrorNumber, open.Description, path)};
-  uint8_t head[sizeof kGrfV2Signature] = {};
-  const bool version2 = open.File->Length >= kMinFileSize &&
-                        ReadAt(*open.File, 0, head, sizeof head).End == ReadEnd::Ok &&
-                        IsGrfV2(head, sizeof head);
+  const bool version2 = Version2File(*open.File);
   ScanOutcome outcome;
   if (version2) {
     // The walk of version 1 finds no record in a version-2 file (its first word is 0), so its
