@@ -30,15 +30,16 @@ std::string WriteBenchFile(const std::string& name, const std::vector<uint8_t>& 
   return path;
 }
 
-// One window for all cases, loaded with the palette beside the program.
+// One window for all cases, loaded with the palette beside the program; closed before the
+// application ends, which a window cannot outlive.
+std::unique_ptr<frmMain> window;
 frmMain& Window() {
-  static std::unique_ptr<frmMain> window = [] {
-    auto w = std::make_unique<frmMain>();
-    w->Form_Load();
-    w->show();
+  if (!window) {
+    window = std::make_unique<frmMain>();
+    window->Form_Load();
+    window->show();
     QApplication::processEvents();
-    return w;
-  }();
+  }
   return *window;
 }
 
@@ -143,6 +144,7 @@ void RegisterWindowCases() {
 }
 
 void CloseWindowCases() {
+  window.reset();
   for (const char* name : {"5000", "limits", "v2-60000", "v2-tiles"})
     std::remove(("/tmp/vossel-bench-" + std::to_string(getpid()) + "-" + name + ".grf").c_str());
 }
