@@ -74,7 +74,10 @@ Opened Open(Bytes file) {
   Opened o{std::move(file), {}, {}, {}};
   IndexGrfV2(o.File.data(), o.File.size(), o.Index,
              [&o](const std::string& m) { o.Messages.push_back(m); });
-  o.Disk = OpenForReading(grfw::WriteTemp("v2.grf", o.File)).File;
+  // Removed at once: the file kept open stays readable.
+  const std::string path = grfw::WriteTemp("v2.grf", o.File);
+  o.Disk = OpenForReading(path).File;
+  std::filesystem::remove(path);
   GrfV2Index read;
   std::vector<std::string> messages;
   IndexGrfV2(FileSource(*o.Disk), read,

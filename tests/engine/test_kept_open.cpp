@@ -40,8 +40,9 @@ std::vector<std::string> Texts(const std::vector<ChunkLine>& lines) {
 TEST(KeptOpen, ReadsWhatTheBufferHolds) {
   const Bytes bytes = KeptFile();
   GrfFile file;
-  ASSERT_EQ(LoadGrfFile(grfw::WriteTemp("kept.grf", bytes), file, nullptr, nullptr).End,
-            OpenEnd::Ok);
+  const std::string path = grfw::WriteTemp("kept.grf", bytes);
+  ASSERT_EQ(LoadGrfFile(path, file, nullptr, nullptr).End, OpenEnd::Ok);
+  std::filesystem::remove(path);  // the file kept open stays readable
   GrfV2Index index;
   IndexGrfV2(bytes.data(), bytes.size(), index, nullptr);
   ASSERT_EQ(SpriteCount(file), 3);
@@ -98,5 +99,6 @@ TEST(KeptOpen, AFileChangedWhileOpenIsTold) {
     EXPECT_TRUE(picture.Rgba.empty() && picture.Indices.empty() && got.empty());
     EXPECT_FALSE(NextChunk(file, cursor, chunk));
     EXPECT_TRUE(cursor.Unreadable && cursor.Done);
+    std::filesystem::remove(path);
   }
 }
