@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <set>
 
@@ -125,7 +126,10 @@ std::vector<BenchFile> OpenGfxBenchFiles() {
   return files;
 }
 
-std::vector<uint8_t> V2ManySpritesFile(int count) {
+namespace {
+
+// The file of V2ManySpritesFile, given to `put` in pieces of about 1 MiB.
+void V2ManySprites(int count, const std::function<void(const std::vector<uint8_t>&)>& put) {
   // Each alternative's entry is made once and copied with the id of each sprite written in.
   std::vector<grfw::Bytes> entries;
   const uint8_t zooms[3] = {0, 2, 1};
@@ -141,18 +145,44 @@ std::vector<uint8_t> V2ManySpritesFile(int count) {
       im.pixels.insert(im.pixels.end(), size_t{im.width} * 4, static_cast<uint8_t>(y * 9 + 40));
     entries.push_back(grfw::V2Sprite(1, im));
   }
+  // The header and the data section as the writer makes them, with no sprite section yet.
   std::vector<grfw::Bytes> data;
+  for (int id = 1; id <= count; ++id) data.push_back(grfw::V2Ref(static_cast<uint32_t>(id)));
+  grfw::Bytes head = grfw::V2File(data, {});
+  head.resize(head.size() - 4);
+  put(head);
   grfw::Bytes sprites;
   for (int id = 1; id <= count; ++id) {
-    data.push_back(grfw::V2Ref(static_cast<uint32_t>(id)));
     for (const grfw::Bytes& e : entries) {
       const size_t at = sprites.size();
       grfw::Append(sprites, e);
       for (int b = 0; b < 4; ++b)
         sprites[at + static_cast<size_t>(b)] = static_cast<uint8_t>(id >> (8 * b));
     }
+    if (sprites.size() >= (1u << 20) || id == count) {
+      put(sprites);
+      sprites.clear();
+    }
   }
-  return grfw::V2File(data, {sprites});
+  put({0, 0, 0, 0});
+}
+
+}  // namespace
+
+std::vector<uint8_t> V2ManySpritesFile(int count) {
+  std::vector<uint8_t> file;
+  V2ManySprites(count, [&file](const std::vector<uint8_t>& part) { grfw::Append(file, part); });
+  return file;
+}
+
+bool WriteV2ManySpritesFile(const std::string& path, int count) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  V2ManySprites(count, [&out](const std::vector<uint8_t>& part) {
+    out.write(reinterpret_cast<const char*>(part.data()),
+              static_cast<std::streamsize>(part.size()));
+  });
+  out.close();
+  return !out.fail();
 }
 
 std::vector<uint8_t> V2DecodeFile(int references) {

@@ -32,6 +32,9 @@ std::vector<BenchFile> OpenGfxBenchFiles();
 // A version-2 file of `count` sprites, each a reference to an id with three 32-bit alternatives:
 // normal, in2 and in4 zoom, as a 32-bit set with 4x zoom holds them.
 std::vector<uint8_t> V2ManySpritesFile(int count);
+// The same written to `path` piece by piece, for files larger than one would hold: 250,000 sprites
+// make about 350 MB, the size of the largest high-definition sets.
+bool WriteV2ManySpritesFile(const std::string& path, int count);
 
 // A version-2 file of one sprite: a 256 x 124 32-bit (RGBA and mask) image in tile form at 4x zoom,
 // about two thirds of it covered; with `references`, as many sprites that refer to it.

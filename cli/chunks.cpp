@@ -50,9 +50,12 @@ int CmdChunks(const std::vector<std::string>& args) {
   if (!ParseSpriteNumber(args[1], SpriteCount(file), index) ||
       !PickAlternative(file, index, wish, alternative))
     return kExitFailure;
-  for (const ChunkRecord& chunk : ChunksOf(file, index, alternative)) {
-    const ChunkLine line = LineOf(chunk);
-    std::printf("%d\t%s\n", static_cast<int>(line.ItemData), line.Text.c_str());
+  ChunkCursor cursor = StartChunks(file, index, alternative);
+  for (ChunkRecord chunk; NextChunk(file, cursor, chunk);)
+    std::printf("%lld\t%s\n", static_cast<long long>(chunk.Position), ChunkText(chunk).c_str());
+  if (cursor.Unreadable) {
+    FileError(args[0], UnreadableText(file));
+    return kExitFailure;
   }
   return LoadStatus(file);
 }

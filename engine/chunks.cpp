@@ -162,7 +162,7 @@ bool NextChunk(const uint8_t* bytes, size_t length, ChunkCursor& cursor, ChunkRe
   cursor.C = static_cast<int32_t>(std::min<int64_t>(count, std::numeric_limits<int32_t>::max()));
   // Equality ends the list as complete, a count beyond S ends it with this chunk.
   cursor.Done = count >= cursor.S || !Fits(next, 1, end);
-  if (!cursor.Done) cursor.P = static_cast<int32_t>(next);
+  if (!cursor.Done) cursor.P = next;
   return true;
 }
 

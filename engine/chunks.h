@@ -67,12 +67,14 @@ struct ChunkLine {
 // Where the list of one sprite stands between two lines.
 struct ChunkCursor {
   int32_t Sprite = -1;
-  int32_t P = 0;            // position of the next control byte
+  int64_t P = 0;            // position of the next control byte
   int32_t S = 0;            // the count at which the list stops
   int32_t C = 0;            // bytes decoded by the chunks listed so far
-  int32_t End = INT32_MAX;  // the stream's bytes end before this position (and the buffer's end)
+  int64_t End = INT64_MAX;  // the stream's bytes end before this position (and the buffer's end)
   bool Action = false;
   bool Done = true;  // no further line
+  // The list stopped because its file could no longer be read as it was opened.
+  bool Unreadable = false;
   uint32_t Generation = 0;
 };
 

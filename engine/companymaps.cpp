@@ -68,7 +68,7 @@ CompanyMapsResult CompanyMapsOfFile(const GrfFile& file, CompanyMaps& maps) {
   std::array<std::vector<uint8_t>, kCompanyColourCount> bytes;
   SpriteViews views;
   for (int32_t i = 0; i < kCompanyColourCount; ++i) {
-    if (!SpriteBytes(file, kFirstCompanyMapSprite + i, -1, bytes[i]))
+    if (SpriteBytes(file, kFirstCompanyMapSprite + i, -1, bytes[i]) != GrfResult::Ok)
       return CompanyMapsResult::NotRecolour;
     views[i] = bytes[i];
   }

@@ -11,9 +11,11 @@ void ReadFileActions(const GrfFile& file, FileReading& reading) {
     std::vector<uint8_t>& bytes = reading.Bytes[static_cast<size_t>(i)];
     const int32_t shown = DefaultAlternative(file, i);
     // A sprite whose only form is non-image data (a sound, say) is data among the pictures.
-    if (FactsOf(file, i, -1).Kind == SpriteKind::Pseudo && SpriteBytes(file, i, -1, bytes))
+    if (FactsOf(file, i, -1).Kind == SpriteKind::Pseudo &&
+        SpriteBytes(file, i, -1, bytes) == GrfResult::Ok)
       in.Kind = SpriteKind::Pseudo;
-    else if (shown >= 0 && AlternativeOf(file, i, shown).Data && SpriteBytes(file, i, shown, bytes))
+    else if (shown >= 0 && AlternativeOf(file, i, shown).Data &&
+             SpriteBytes(file, i, shown, bytes) == GrfResult::Ok)
       in.Kind = SpriteKind::Data;
     in.Data = bytes.data();
     in.Size = bytes.size();

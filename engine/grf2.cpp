@@ -13,9 +13,18 @@ namespace vossel {
 
 namespace {
 
+// The walk's view of its source: the buffer that holds the whole file, or a window of the file
+// read again wherever the walk moves past it.
+struct Window {
+  ByteSource Source;
+  std::vector<uint8_t> Buffer;
+  int64_t Start = 0;  // the file's byte at Buffer[0]
+  int64_t Count = 0;  // bytes of the file held
+};
+
 // What one indexing carries: the file, the index being filled and where problems go.
 struct Indexer {
-  Reader File;
+  Window View;
   GrfV2Index& Index;
   const MessageFn& Message;
 };
@@ -32,31 +41,65 @@ void Stop(Indexer& ix, const GrfProblem& p) {
   Note(ix, p);
 }
 
+// Room made ahead for the index's tables, at most: a file of any size may claim any count, and
+// the tables grow past it as entries are really found.
+constexpr size_t kMostReserved = size_t{1} << 22;
+
+GrfProblem ReadProblem(const ByteSource& source, int64_t at, const ReadOutcome& read) {
+  if (read.End == ReadEnd::Changed)
+    return {GrfResult::FileChanged, source.Length, 0, 0, read.LengthNow};
+  return {GrfResult::ReadFailed, at, 0, 0, read.ErrorNumber};
+}
+
+// A reader of the n bytes at `at`, fewer where `end` comes first; its positions count from `at`.
+// False, the problem noted, when the file cannot be read as it was.
+bool Look(Indexer& ix, int64_t at, int64_t n, int64_t end, Reader& r) {
+  Window& w = ix.View;
+  const int64_t held = at >= 0 && at < end ? std::min(n, end - at) : 0;
+  if (w.Source.Memory != nullptr) {
+    r = {held > 0 ? w.Source.Memory + at : w.Source.Memory, held};
+    return true;
+  }
+  if (held > 0 && (at < w.Start || at + held > w.Start + w.Count)) {
+    const int64_t count = std::min<int64_t>(kV2ReadWindow, w.Source.Length - at);
+    w.Buffer.resize(static_cast<size_t>(kV2ReadWindow));
+    const ReadOutcome read = ReadAt(*w.Source.File, at, w.Buffer.data(), count);
+    w.Count = 0;
+    if (read.End != ReadEnd::Ok) {
+      Stop(ix, ReadProblem(w.Source, at, read));
+      return false;
+    }
+    w.Start = at;
+    w.Count = count;
+  }
+  r = {w.Buffer.data() + (held > 0 ? at - w.Start : 0), held};
+  return true;
+}
+
 // Entries of the data section from byte 15 up to `end`: each a 4-byte size and an info byte, the
-// data behind; size 0 closes the section.
-void IndexDataSection(Indexer& ix, int64_t end) {
-  const Reader r{ix.File.Data, end};
+// data behind; size 0 closes the section. False when the file could not be read.
+bool IndexDataSection(Indexer& ix, int64_t end) {
   int64_t pos = kGrfV2HeaderSize;
   // Room for a section of references, 9 bytes each, which most files are.
-  ix.Index.Sprites.reserve(static_cast<size_t>(std::max<int64_t>(end - pos, 0) / 9));
-  for (;;) {
+  ix.Index.Sprites.reserve(
+      std::min(static_cast<size_t>(std::max<int64_t>(end - pos, 0) / 9), kMostReserved));
+  for (Reader r{}; Look(ix, pos, 9, end, r);) {
     const int32_t number = static_cast<int32_t>(ix.Index.Sprites.size()) + 1;
     uint32_t size = 0;
     uint8_t info = 0;
-    if (!U32(r, pos, size)) {
+    if (!U32(r, 0, size)) {
       Stop(ix, {GrfResult::DataSectionCut, pos, number, 0, 0});
-      return;
+      return true;
     }
-    if (size == 0) return;
-    if (!U8(r, pos + 4, info) || !Fits(pos + 5, size, end)) {
+    if (size == 0) return true;
+    if (!U8(r, 4, info) || !Fits(pos + 5, size, end)) {
       Stop(ix, {GrfResult::DataSectionCut, pos, number, 0, size});
-      return;
+      return true;
     }
     GrfV2Sprite s;
     s.Info = info;
     if (info == kV2Reference) {
-      if (size != 4 || !U32(r, pos + 5, s.Id))
-        Note(ix, {GrfResult::BadReference, pos, number, 0, size});
+      if (size != 4 || !U32(r, 5, s.Id)) Note(ix, {GrfResult::BadReference, pos, number, 0, size});
     } else {
       if (info != kV2Pseudo) Note(ix, {GrfResult::UnknownDataInfo, pos, number, 0, info});
       s.DataOffset = pos + 5;
@@ -65,13 +108,13 @@ void IndexDataSection(Indexer& ix, int64_t end) {
     ix.Index.Sprites.push_back(s);
     pos += 5 + static_cast<int64_t>(size);
   }
+  return false;
 }
 
-// One sprite-section entry of `size` bytes at `pos` (its id and size read) into Alternatives;
-// false when it is left out.
-bool IndexAlternative(Indexer& ix, int64_t pos, uint32_t id, uint32_t size) {
-  const Reader& r = ix.File;
-  const int64_t body = pos + 8;
+// One sprite-section entry of `size` bytes at `pos`, read through `r` from its start, into
+// Alternatives; false when it is left out.
+bool IndexAlternative(Indexer& ix, const Reader& r, int64_t pos, uint32_t id, uint32_t size) {
+  const int64_t body = 8;
   // Filled in place, and taken back when the entry is left out.
   GrfV2Alternative& a = ix.Index.Alternatives.emplace_back();
   const auto leaveOut = [&ix](const GrfProblem& p) {
@@ -95,7 +138,7 @@ bool IndexAlternative(Indexer& ix, int64_t pos, uint32_t id, uint32_t size) {
     if ((a.Info & (kV2Rgb | kV2Palette)) == 0)
       return leaveOut({GrfResult::NoColour, pos, 0, id, a.Info});
   }
-  a.StreamOffset = body + header;
+  a.StreamOffset = pos + body + header;
   a.StreamSize = size - header;
   return true;
 }
@@ -110,32 +153,37 @@ struct IdGroup {
 // Entries of the sprite section from `pos`: id, size, then the entry; id 0 closes the section. A
 // section that stops exactly at the end of the file is taken as closed.
 std::vector<IdGroup> IndexSpriteSection(Indexer& ix, int64_t pos) {
-  const Reader& r = ix.File;
+  const int64_t end = ix.View.Source.Length;
   std::vector<IdGroup> groups;
   // Each reference has an alternative or more, and an image entry takes 18 bytes at least.
   size_t references = 0;
   for (const GrfV2Sprite& s : ix.Index.Sprites) references += s.Info == kV2Reference;
-  const size_t room = static_cast<size_t>((r.End - pos) / 18);
+  const size_t room = std::min(static_cast<size_t>((end - pos) / 18), kMostReserved);
   ix.Index.Alternatives.reserve(std::min(room, 3 * references));
   groups.reserve(std::min(room, references));
-  while (pos != r.End) {
+  // An entry's head: id, size and the image header of the tile form, the longest.
+  constexpr int64_t kHead = 8 + 14;
+  for (Reader r{}; pos != end && Look(ix, pos, kHead, end, r);) {
     uint32_t id = 0, size = 0;
-    if (!U32(r, pos, id)) {
+    if (!U32(r, 0, id)) {
       Stop(ix, {GrfResult::SpriteSectionCut, pos, 0, 0, 0});
       break;
     }
     if (id == 0) break;
-    if (!U32(r, pos + 4, size) || !Fits(pos + 8, size, r.End)) {
+    if (!U32(r, 4, size) || !Fits(pos + 8, size, end)) {
       Stop(ix, {GrfResult::SpriteSectionCut, pos, 0, id, size});
       break;
     }
+    // The head holds no more than the entry.
+    r.End = std::min<int64_t>(r.End, 8 + int64_t{size});
     if (groups.empty() || groups.back().Id != id)
       groups.push_back({id, static_cast<int32_t>(ix.Index.Alternatives.size()), 0});
     const int64_t next = pos + 8 + static_cast<int64_t>(size);
-    // The walk waits on memory for each entry's head: ask for the next one while this one is
-    // read.
-    if (Fits(next, 8, r.End)) __builtin_prefetch(r.Data + next);
-    if (IndexAlternative(ix, pos, id, size)) ++groups.back().Count;
+    // The walk of a buffer waits on memory for each entry's head: ask for the next one while this
+    // one is read.
+    if (ix.View.Source.Memory != nullptr && Fits(next, 8, end))
+      __builtin_prefetch(ix.View.Source.Memory + next);
+    if (IndexAlternative(ix, r, pos, id, size)) ++groups.back().Count;
     pos = next;
   }
   return groups;
@@ -283,6 +331,8 @@ std::string GrfV2Text(const GrfProblem& p) {
       return entry + " has no colour layer (info " + value + ")";
     case GrfResult::NotAnImage:
       return entry + " holds no image";
+    case GrfResult::NotData:
+      return sprite + " holds no data bytes";
     case GrfResult::TooLarge:
       return stream + " would need more than 64 MiB";
     case GrfResult::StreamOverrun:
@@ -291,6 +341,15 @@ std::string GrfV2Text(const GrfProblem& p) {
       return stream + " ends before its decompressed size";
     case GrfResult::TileOutside:
       return stream + " has a row or a run outside its bounds";
+    case GrfResult::FileChanged:
+      return "The file has changed since it was opened: " +
+             (p.Value != p.Position
+                  ? "it holds " + value + " bytes now, " + std::to_string(p.Position) + " then"
+                  : std::string("it has been rewritten")) +
+             "; open it again to see it as it is";
+    case GrfResult::ReadFailed:
+      return "The file could not be read" + (p.Position >= 0 ? at : std::string()) +
+             (p.Value > 0 ? ": " + std::string(std::strerror(static_cast<int>(p.Value))) : "");
     case GrfResult::OutOfBuffer:
       return kMsgOutOfBuffer;
   }
@@ -306,17 +365,48 @@ bool IsGrfV2(const uint8_t* file, size_t length) {
          std::memcmp(file, kGrfV2Signature, sizeof kGrfV2Signature) == 0;
 }
 
+ByteSource MemorySource(const uint8_t* file, size_t length) {
+  return {file, nullptr,
+          static_cast<int64_t>(
+              std::min<size_t>(length, static_cast<size_t>(std::numeric_limits<int64_t>::max())))};
+}
+
+ByteSource FileSource(const OpenedFile& file) {
+  return {nullptr, &file, file.Length};
+}
+
+GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes) {
+  bytes.clear();
+  // Only a file that has changed can make an index point outside it.
+  if (!Fits(at, n, source.Length)) return GrfResult::FileChanged;
+  if (source.Memory != nullptr) {
+    bytes.assign(source.Memory + at, source.Memory + at + n);
+    return GrfResult::Ok;
+  }
+  bytes.resize(static_cast<size_t>(n));
+  const ReadOutcome read = ReadAt(*source.File, at, bytes.data(), n);
+  if (read.End == ReadEnd::Ok) return GrfResult::Ok;
+  bytes.clear();
+  return ReadProblem(source, at, read).Kind;
+}
+
 GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
                      const MessageFn& message) {
+  return IndexGrfV2(MemorySource(file, length), index, message);
+}
+
+GrfResult IndexGrfV2(const ByteSource& source, GrfV2Index& index, const MessageFn& message) {
   index = GrfV2Index{};
-  const int64_t end = static_cast<int64_t>(
-      std::min<size_t>(length, static_cast<size_t>(std::numeric_limits<int64_t>::max())));
-  Indexer ix{{file, end}, index, message};
+  const int64_t end = source.Length;
+  Indexer ix{{source, {}, 0, 0}, index, message};
+  Reader head{};
   uint32_t offset = 0;
   uint8_t compression = 0;
-  if (!IsGrfV2(file, length)) {
+  if (!Look(ix, 0, kGrfV2HeaderSize, end, head)) {
+    // the problem is noted
+  } else if (!IsGrfV2(head.Data, static_cast<size_t>(head.End))) {
     Stop(ix, {GrfResult::NotVersion2, 0, 0, 0, 0});
-  } else if (!U32(ix.File, 10, offset) || !U8(ix.File, 14, compression)) {
+  } else if (!U32(head, 10, offset) || !U8(head, 14, compression)) {
     Stop(ix, {GrfResult::HeaderCut, 0, 0, 0, end});
   } else if (compression != 0) {
     Stop(ix, {GrfResult::UnknownCompression, 14, 0, 0, compression});
@@ -324,9 +414,10 @@ GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
     // The data section ends where the sprite section starts, if that lies behind the header.
     const int64_t spriteSection = 14 + static_cast<int64_t>(offset);
     const bool inside = Fits(kGrfV2HeaderSize, spriteSection - kGrfV2HeaderSize, end);
-    IndexDataSection(ix, inside ? spriteSection : end);
     // Without a sprite section every reference is missing; the one problem says so.
-    if (inside) {
+    if (!IndexDataSection(ix, inside ? spriteSection : end)) {
+      // the file could not be read on: nothing behind is trusted
+    } else if (inside) {
       std::vector<IdGroup> groups = IndexSpriteSection(ix, spriteSection);
       ResolveReferences(ix, groups);
     } else {
@@ -414,13 +505,17 @@ GrfV2Totals IndexTotals(const GrfV2Index& index) {
 
 GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
                             SpritePicture& image) {
+  return DecodeAlternative(MemorySource(file, length), a, image);
+}
+
+GrfResult DecodeAlternative(const ByteSource& source, const GrfV2Alternative& a,
+                            SpritePicture& image) {
   image = SpritePicture{};
   if (a.Info == kV2Pseudo) return GrfResult::NotAnImage;
   const int64_t cells = static_cast<int64_t>(a.Width) * a.Height;
   const int64_t decoded = DecodedSize(a);
   if (PictureBytes(a) > kV2MaxImageBytes || decoded > kV2MaxImageBytes) return GrfResult::TooLarge;
-  if (!Fits(a.StreamOffset, a.StreamSize, static_cast<int64_t>(length)))
-    return GrfResult::StreamShort;
+  if (!Fits(a.StreamOffset, a.StreamSize, source.Length)) return GrfResult::StreamShort;
   // A chunk decodes to at most eight times its bytes, so a stream too short for its size is told
   // before any memory is taken for it.
   if (decoded > 8 * a.StreamSize) return GrfResult::StreamShort;
@@ -428,15 +523,25 @@ GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alter
   if ((a.Info & kV2Tile) && decoded < 4 * static_cast<int64_t>(a.Height))
     return GrfResult::TileOutside;
 
+  // Every chunk decodes to one byte or more from two bytes or fewer, and the last may pass the
+  // size by a whole chunk: nothing behind that is read.
+  const int64_t needed = std::min(a.StreamSize, 2 * decoded + 130);
+  std::vector<uint8_t> read;
+  const uint8_t* stream = source.Memory != nullptr ? source.Memory + a.StreamOffset : nullptr;
+  if (stream == nullptr) {
+    const GrfResult got = ReadSource(source, a.StreamOffset, needed, read);
+    if (got != GrfResult::Ok) return got;
+    stream = read.data();
+  }
   std::vector<uint8_t> raw(static_cast<size_t>(decoded));
   int32_t readPos = 0, outPos = 0;
   const int32_t streamBytes =
-      static_cast<int32_t>(std::min<int64_t>(a.StreamSize, std::numeric_limits<int32_t>::max()));
-  const DecodeResult stream =
-      DecodeStream(file + a.StreamOffset, streamBytes, readPos, raw.data(),
-                   static_cast<int32_t>(decoded), outPos, static_cast<int32_t>(decoded), 0);
-  if (stream == DecodeResult::Overrun) return GrfResult::StreamOverrun;
-  if (stream == DecodeResult::Truncated) return GrfResult::StreamShort;
+      static_cast<int32_t>(std::min<int64_t>(needed, std::numeric_limits<int32_t>::max()));
+  const DecodeResult result =
+      DecodeStream(stream, streamBytes, readPos, raw.data(), static_cast<int32_t>(decoded), outPos,
+                   static_cast<int32_t>(decoded), 0);
+  if (result == DecodeResult::Overrun) return GrfResult::StreamOverrun;
+  if (result == DecodeResult::Truncated) return GrfResult::StreamShort;
 
   image.Width = a.Width;
   image.Height = a.Height;
@@ -446,13 +551,13 @@ GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alter
   image.Zoom = a.Zoom;
   if (a.Info & kV2Rgb) image.Rgba.assign(static_cast<size_t>(4 * cells), 0);
   if (a.Info & kV2Palette) image.Indices.assign(static_cast<size_t>(cells), 0);
-  GrfResult result = GrfResult::Ok;
+  GrfResult placed = GrfResult::Ok;
   if (a.Info & kV2Tile)
-    result = PlaceTiles(raw, a, image);
+    placed = PlaceTiles(raw, a, image);
   else
     PutPixels(raw.data(), cells, 0, image);
-  if (result != GrfResult::Ok) image = SpritePicture{};
-  return result;
+  if (placed != GrfResult::Ok) image = SpritePicture{};
+  return placed;
 }
 
 ChunkCursor StartV2ChunkList(const GrfV2Index& index, const GrfV2Sprite& s, int32_t alternative) {
@@ -468,10 +573,8 @@ ChunkCursor StartV2ChunkList(const GrfV2Index& index, const GrfV2Sprite& s, int3
   } else if (s.Info == kV2Reference) {
     return cursor;  // nothing to list
   }
-  // The cursor holds positions in 32 bits.
-  if (!Fits(offset, size, std::numeric_limits<int32_t>::max())) return cursor;
-  cursor.P = static_cast<int32_t>(offset);
-  cursor.End = static_cast<int32_t>(offset + size);
+  cursor.P = offset;
+  cursor.End = offset + size;
   cursor.S = static_cast<int32_t>(std::min<int64_t>(decoded, std::numeric_limits<int32_t>::max()));
   cursor.Action = action;
   cursor.Done = !action && (cursor.S == 0 || size == 0);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "chunks.h"
+#include "fileio.h"
 #include "grf.h"
 
 namespace vossel {
@@ -61,10 +62,15 @@ enum class GrfResult : uint8_t {
   NoColour,         // an image with neither RGB nor palette layer
   // Decoding one alternative.
   NotAnImage,     // non-image data
+  NotData,        // a picture, or nothing, where data bytes were asked for
   TooLarge,       // more than 64 MiB
   StreamOverrun,  // the stream passes its decompressed size
   StreamShort,    // the stream ends before its decompressed size
   TileOutside,    // a tile row offset or run outside the decompressed data or the image
+  // Reading a file kept open.
+  FileChanged,  // shorter, longer or newer than when it was opened: Position the length then,
+                // Value the length now
+  ReadFailed,   // the system refused a read at Position (-1: not known); Value its errno or 0
   // A version-1 record that cannot be taken in: "Error! Out of buffer size!".
   OutOfBuffer,
 };
@@ -125,10 +131,26 @@ constexpr int64_t kV2ProblemMessages = 20;
 // True when the buffer starts with the version-2 signature.
 bool IsGrfV2(const uint8_t* file, size_t length);
 
+// Where a version-2 file's bytes are read: a buffer that holds all of it, or a file kept open and
+// read at positions, so that a file of any size is indexed and shown without being held.
+struct ByteSource {
+  const uint8_t* Memory = nullptr;
+  const OpenedFile* File = nullptr;
+  int64_t Length = 0;
+};
+ByteSource MemorySource(const uint8_t* file, size_t length);
+ByteSource FileSource(const OpenedFile& file);
+
+// n bytes at `at` into `bytes` (replaced): Ok, FileChanged or ReadFailed.
+GrfResult ReadSource(const ByteSource& source, int64_t at, int64_t n, std::vector<uint8_t>& bytes);
+
 // Indexes both sections into `index` (replacing what it held) and gives its End. Each problem is
-// raised through `message` as it is found, up to kV2ProblemMessages.
+// raised through `message` as it is found, up to kV2ProblemMessages. Only the entries' heads are
+// read; a file source is read through one window of kV2ReadWindow bytes.
+GrfResult IndexGrfV2(const ByteSource& source, GrfV2Index& index, const MessageFn& message);
 GrfResult IndexGrfV2(const uint8_t* file, size_t length, GrfV2Index& index,
                      const MessageFn& message);
+constexpr int64_t kV2ReadWindow = 1 << 20;
 
 // Names: "normal", "in4", "in2", "out2", "out4", "out8"; "zoom N" for others.
 std::string ZoomName(uint8_t zoom);
@@ -178,7 +200,9 @@ struct SpritePicture {
 using GrfV2Image = SpritePicture;
 
 // Decodes one alternative from the file's bytes into `image` (which is replaced; on failure it is
-// left empty). Never reads outside the alternative's entry.
+// left empty). Never reads outside the alternative's entry. Safe to call from several threads.
+GrfResult DecodeAlternative(const ByteSource& source, const GrfV2Alternative& a,
+                            SpritePicture& image);
 GrfResult DecodeAlternative(const uint8_t* file, size_t length, const GrfV2Alternative& a,
                             SpritePicture& image);
 

@@ -45,67 +45,89 @@ void Note(GrfFile& file, const GrfProblem& problem) {
   if (file.Problems.size() < kV2KeptProblems) file.Problems.push_back(problem);
 }
 
-// The bytes a pseudo-sprite or data stands for: where they lie and how many.
-bool DataBytes(const GrfFile& file, int32_t sprite, int32_t alternative, const uint8_t*& data,
-               int64_t& size) {
-  int64_t offset = 0;
+ByteSource SourceOf(const GrfFile& file) {
+  return file.Source ? FileSource(*file.Source) : ByteSource{};
+}
+
+// The bytes a pseudo-sprite or data stands for, at most `most` of them: read from the file of
+// version 2, copied from the store of version 1.
+GrfResult DataBytes(const GrfFile& file, int32_t sprite, int32_t alternative, int64_t most,
+                    std::vector<uint8_t>& bytes) {
+  bytes.clear();
+  int64_t offset = 0, size = 0;
   const ByteArray& store = file.Store.SpriteData;
   if (const SpriteRecord* r = V1Record(file, sprite)) {
     if (r->Flags != kActionFlags || !Fits(r->DataOffset, r->Size, int64_t(store.size())))
-      return false;
-    data = store.data() + r->DataOffset;
-    size = r->Size;
-    return true;
+      return GrfResult::NotData;
+    const uint8_t* data = store.data() + r->DataOffset;
+    bytes.assign(data, data + std::min<int64_t>(r->Size, most));
+    return GrfResult::Ok;
   }
   if (const GrfV2Alternative* a = V2Alternative(file, sprite, alternative)) {
-    if (a->Info != kV2Pseudo) return false;
+    if (a->Info != kV2Pseudo) return GrfResult::NotData;
     offset = a->StreamOffset;
     size = a->StreamSize;
   } else if (Version2(file) && InRange(file, sprite) && alternative < 0) {
     const GrfV2Sprite& s = file.Index.Sprites[static_cast<size_t>(sprite)];
-    if (s.Info == kV2Reference) return false;
+    if (s.Info == kV2Reference) return GrfResult::NotData;
     offset = s.DataOffset;
     size = s.DataSize;
   } else {
-    return false;
+    return GrfResult::NotData;
   }
-  if (!Fits(offset, size, static_cast<int64_t>(file.Bytes.size()))) return false;
-  data = file.Bytes.data() + offset;
-  return true;
+  return ReadSource(SourceOf(file), offset, std::min(size, most), bytes);
 }
+
+// A file long enough to load that starts with the version-2 signature; only its first bytes are
+// read.
+bool Version2File(const OpenedFile& file) {
+  uint8_t head[sizeof kGrfV2Signature] = {};
+  return file.Length >= kMinFileSize && ReadAt(file, 0, head, sizeof head).End == ReadEnd::Ok &&
+         IsGrfV2(head, sizeof head);
+}
+
+// A chunk is its control byte and up to 128 data bytes; one byte more tells whether another
+// follows.
+constexpr int64_t kChunkWindow = 130;
 
 }  // namespace
 
 OpenOutcome ReadForLoad(const std::string& path, GrfLoad& load) {
-  FileReadResult read = ReadWholeFile(path);
-  if (!read.Ok)
-    return {OpenEnd::ReadFailure, ReadFailureText(read.ErrorNumber, read.Description, path)};
-  if (read.Bytes.size() < static_cast<size_t>(kMinFileSize))
-    return {OpenEnd::TooSmall, kMsgTooSmall};
+  const FileOpenResult open = OpenForReading(path);
+  if (!open.Ok)
+    return {OpenEnd::ReadFailure, ReadFailureText(open.ErrorNumber, open.Description, path)};
+  if (open.File->Length < kMinFileSize) return {OpenEnd::TooSmall, kMsgTooSmall};
+  load.Version2 = Version2File(*open.File);
+  if (load.Version2) {
+    load.Source = open.File;
+  } else {
+    FileReadResult whole = ReadAll(*open.File);
+    if (!whole.Ok)
+      return {OpenEnd::ReadFailure, ReadFailureText(whole.ErrorNumber, whole.Description, path)};
+    load.Bytes = std::move(whole.Bytes);
+  }
   load.Path = path;
-  load.Bytes = std::move(read.Bytes);
-  load.Version2 = IsGrfV2(load.Bytes.data(), load.Bytes.size());
   return {};
 }
 
 void CountSprites(GrfLoad& load, GrfFile& file, const MessageFn& stop, const MessageFn& note) {
-  const auto length = static_cast<int32_t>(load.Bytes.size());
   if (!load.Version2) {
+    const auto length = static_cast<int32_t>(load.Bytes.size());
     int64_t refusedAt = -1;
     load.Counted = CountSprites(load.Bytes.data(), length, stop, &refusedAt);
     if (refusedAt >= 0) load.Totals.RefusedAt = refusedAt;
     return;
   }
   CloseGrfFile(file);
-  file.Bytes = std::move(load.Bytes);
-  IndexGrfV2(file.Bytes.data(), file.Bytes.size(), file.Index, note);
+  file.Source = std::move(load.Source);
+  IndexGrfV2(FileSource(*file.Source), file.Index, note);
 }
 
 void ReserveSprites(GrfLoad& load, GrfFile& file) {
   const int64_t counterRefused = load.Totals.RefusedAt;
   if (!load.Version2) {
     // The version-1 store replaces whatever was open.
-    file.Bytes = {};
+    file.Source.reset();
     file.Index = GrfV2Index{};
     ReserveStore(file.Store, load.Counted);
   }
@@ -115,8 +137,7 @@ void ReserveSprites(GrfLoad& load, GrfFile& file) {
   file.Scan = ChunkScan{};
   file.Problems = load.Version2 ? file.Index.Problems : std::vector<GrfProblem>{};
   file.ProblemCount = load.Version2 ? file.Index.ProblemCount : 0;
-  file.FileLength = load.Version2 ? static_cast<int64_t>(file.Bytes.size())
-                                  : static_cast<int64_t>(load.Bytes.size());
+  file.FileLength = load.Version2 ? file.Source->Length : static_cast<int64_t>(load.Bytes.size());
   if (counterRefused >= 0)
     Note(file, {GrfResult::OutOfBuffer, counterRefused, load.Counted + 1, 0, 0});
 }
@@ -162,27 +183,36 @@ OpenOutcome LoadGrfFile(const std::string& path, GrfFile& file, const MessageFn&
 }
 
 ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file) {
-  ScanOutcome outcome = ScanGRF(path, file.Scan);
-  if (outcome.End == ScanEnd::ReadFailure) return outcome;
-  const std::vector<uint8_t>& bytes = file.Scan.FileData;
-  // The walk of version 1 finds no record in a version-2 file: its first word is 0.
-  const bool version2 = outcome.End == ScanEnd::Complete && IsGrfV2(bytes.data(), bytes.size());
+  const FileOpenResult open = OpenForReading(path);
+  if (!open.Ok)
+    return {ScanEnd::ReadFailure, 0, ReadFailureText(open.ErrorNumber, open.Description, path)};
+  const bool version2 = Version2File(*open.File);
+  ScanOutcome outcome;
+  if (version2) {
+    // The walk of version 1 finds no record in a version-2 file (its first word is 0), so its
+    // tables are left empty without reading the file.
+    EraseChunkScan(file.Scan);
+    file.Scan.FileLength = static_cast<int32_t>(std::min<int64_t>(open.File->Length, INT32_MAX));
+  } else {
+    FileReadResult whole = ReadAll(*open.File);
+    if (!whole.Ok)
+      return {ScanEnd::ReadFailure, 0, ReadFailureText(whole.ErrorNumber, whole.Description, path)};
+    outcome = ScanBuffer(std::move(whole.Bytes), file.Scan);
+  }
   file.Path = path;
   file.Container = version2 ? 2 : 1;
   file.HasAlternatives = version2;
-  file.FileLength = static_cast<int64_t>(bytes.size());
+  file.FileLength = version2 ? open.File->Length : int64_t(file.Scan.FileData.size());
   file.Store = SpriteStore{};
   file.Index = GrfV2Index{};
-  file.Bytes = {};
+  file.Source.reset();
   file.Problems.clear();
   file.ProblemCount = 0;
   if (outcome.End == ScanEnd::TooSmall) return outcome;
   file.Sprites = outcome.Count;
   if (version2) {
-    // The bytes move to the index's side; the walk's tables are empty for such a file.
-    file.Bytes = std::move(file.Scan.FileData);
-    file.Scan.FileData.clear();
-    IndexGrfV2(file.Bytes.data(), file.Bytes.size(), file.Index, nullptr);
+    file.Source = open.File;
+    IndexGrfV2(FileSource(*file.Source), file.Index, nullptr);
     file.Problems = file.Index.Problems;
     file.ProblemCount = file.Index.ProblemCount;
     file.Sprites = static_cast<int32_t>(std::min<size_t>(file.Index.Sprites.size(), INT32_MAX));
@@ -304,17 +334,18 @@ SpriteFacts FactsOf(const GrfFile& file, int32_t sprite, int32_t alternative) {
 GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
                     SpritePicture& picture) {
   picture = SpritePicture{};
-  const uint8_t* data = nullptr;
-  int64_t size = 0;
-  if (DataBytes(file, sprite, alternative, data, size)) {
-    picture.Width = static_cast<int32_t>(std::min<int64_t>(size, INT32_MAX));
+  std::vector<uint8_t> data;
+  const GrfResult bytes = DataBytes(file, sprite, alternative, INT32_MAX, data);
+  if (bytes == GrfResult::Ok) {
+    picture.Width = static_cast<int32_t>(data.size());
     picture.Height = 1;
     picture.Info = kV2Palette;
-    picture.Indices.assign(data, data + picture.Width);
+    picture.Indices = std::move(data);
     return GrfResult::Ok;
   }
+  if (bytes != GrfResult::NotData) return bytes;
   if (const GrfV2Alternative* a = V2Alternative(file, sprite, alternative))
-    return DecodeAlternative(file.Bytes.data(), file.Bytes.size(), *a, picture);
+    return DecodeAlternative(SourceOf(file), *a, picture);
   const SpriteRecord* r = V1Record(file, sprite);
   if (r == nullptr || alternative != 0 || r->Width <= 0 || r->Height <= 0) return GrfResult::Ok;
   // The stored bytes; any that lie outside the store stay zero.
@@ -335,20 +366,26 @@ GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
   return GrfResult::Ok;
 }
 
-bool SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
-                 std::vector<uint8_t>& bytes) {
-  const uint8_t* data = nullptr;
-  int64_t size = 0;
-  bytes.clear();
-  if (!DataBytes(file, sprite, alternative, data, size)) return false;
-  bytes.assign(data, data + size);
-  return true;
+GrfResult SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
+                      std::vector<uint8_t>& bytes) {
+  return DataBytes(file, sprite, alternative, INT64_MAX, bytes);
 }
 
 std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternative,
                            GrfResult result) {
+  if (result == GrfResult::FileChanged || result == GrfResult::ReadFailed)
+    return UnreadableText(file);
   const GrfV2Alternative* a = V2Alternative(file, sprite, alternative);
   return a != nullptr ? DecodeText(result, *a) : GrfV2Text({result, 0, sprite + 1, 0, 0});
+}
+
+std::string UnreadableText(const GrfFile& file) {
+  const int64_t then = file.FileLength;
+  const ReadOutcome now = file.Source ? CheckUnchanged(*file.Source) : ReadOutcome{};
+  // A read refused while the file looks as it was: where is no longer known.
+  if (now.End != ReadEnd::Changed)
+    return GrfV2Text({GrfResult::ReadFailed, -1, 0, 0, now.ErrorNumber});
+  return GrfV2Text({GrfResult::FileChanged, then, 0, 0, now.LengthNow});
 }
 
 ChunkCursor StartChunks(const GrfFile& file, int32_t sprite, int32_t alternative) {
@@ -364,7 +401,25 @@ ChunkCursor StartChunks(const GrfFile& file, int32_t sprite, int32_t alternative
 bool NextChunk(const GrfFile& file, ChunkCursor& cursor, ChunkRecord& chunk) {
   if (!Version2(file)) return NextChunk(file.Scan, cursor, chunk);
   if (cursor.Generation != file.Scan.Generation) cursor.Done = true;
-  return NextChunk(file.Bytes.data(), file.Bytes.size(), cursor, chunk);
+  if (cursor.Done || cursor.Action) return NextChunk(nullptr, 0, cursor, chunk);
+  // The chunk is read from the file, and the cursor walks the few bytes read as it walks a file.
+  const int64_t at = cursor.P;
+  const int64_t length = std::min({kChunkWindow, cursor.End - at, file.FileLength - at});
+  std::vector<uint8_t> window;
+  if (length <= 0 || ReadSource(SourceOf(file), at, length, window) != GrfResult::Ok) {
+    cursor.Unreadable = length > 0;
+    cursor.Done = true;
+    return false;
+  }
+  ChunkCursor near = cursor;
+  near.P = 0;
+  near.End = length;
+  const bool listed = NextChunk(window.data(), window.size(), near, chunk);
+  chunk.Position += at;
+  cursor.C = near.C;
+  cursor.Done = near.Done;
+  cursor.P = at + near.P;
+  return listed;
 }
 
 std::vector<ChunkRecord> ChunksOf(const GrfFile& file, int32_t sprite, int32_t alternative) {

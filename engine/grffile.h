@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "chunks.h"
+#include "fileio.h"
 #include "grf.h"
 #include "grf2.h"
 
@@ -59,8 +60,8 @@ struct GrfFile {
   SpriteStore Store;
   // Version 1 through the chunk viewer's own walk.
   ChunkScan Scan;
-  // Version 2: the index, and the file's bytes.
-  std::vector<uint8_t> Bytes;
+  // Version 2: the index, and the file kept open; a sprite's bytes are read as they are asked.
+  FileHandle Source;
   GrfV2Index Index;
 };
 
@@ -72,19 +73,21 @@ struct OpenOutcome {
 };
 
 // One load, step by step, so that a window can show its captions and let events run between the
-// steps. The file's bytes live here until FinishLoad.
+// steps. A version-1 file's bytes live here until FinishLoad; a version-2 file is only opened.
 struct GrfLoad {
   std::string Path;
   std::vector<uint8_t> Bytes;
+  FileHandle Source;
   bool Version2 = false;
   int16_t Counted = 0;
   DecodeTotals Totals;
 };
 
-// Reads the whole file; refuses fewer than 17 bytes.
+// Reads the whole file of version 1; opens a file of version 2, of any size, and reads its first
+// bytes only. Refuses fewer than 17 bytes.
 OpenOutcome ReadForLoad(const std::string& path, GrfLoad& load);
-// Counts the sprites. A version-2 file lets go of the file open before (two large files are never
-// held together) and is indexed now, each problem through `note`. A version-1 record that cannot
+// Counts the sprites. A version-2 file lets go of the file open before and is indexed now, each
+// problem through `note`. A version-1 record that cannot
 // be taken in raises `stop`.
 void CountSprites(GrfLoad& load, GrfFile& file, const MessageFn& stop, const MessageFn& note);
 // Makes the store anew; the file open before is let go here.
@@ -97,9 +100,9 @@ void FinishLoad(GrfLoad& load, GrfFile& file);
 OpenOutcome LoadGrfFile(const std::string& path, GrfFile& file, const MessageFn& stop,
                         const MessageFn& note);
 
-// The chunk viewer's reading: the file's bytes, walked by the chunk scanner (version 1) or
-// indexed (version 2). ReadFailure leaves `file` as it was; TooSmall keeps the earlier tables
-// beside the new bytes, as the viewer has always done.
+// The chunk viewer's reading: the file's bytes, walked by the chunk scanner (version 1), or the
+// file opened and indexed (version 2). ReadFailure leaves `file` as it was; TooSmall keeps the
+// earlier tables beside the new bytes, as the viewer has always done.
 ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file);
 // Lets go of everything.
 void CloseGrfFile(GrfFile& file);
@@ -124,20 +127,26 @@ std::string AlternativeList(const GrfFile& file, int32_t sprite);
 SpriteFacts FactsOf(const GrfFile& file, int32_t sprite, int32_t alternative);
 
 // The sprite's picture through one alternative (-1: none). Pseudo-sprites and data give their
-// bytes as one row of palette indices, as the design draws action sprites.
+// bytes as one row of palette indices, as the design draws action sprites. A version-2 file is
+// read here, so a file changed since it was opened gives FileChanged. Safe to call from several
+// threads at once.
 GrfResult PictureOf(const GrfFile& file, int32_t sprite, int32_t alternative,
                     SpritePicture& picture);
-// The bytes of a pseudo-sprite (alternative -1) or of a non-image alternative; false for a
-// picture or a sprite that is not there.
-bool SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
-                 std::vector<uint8_t>& bytes);
+// The bytes of a pseudo-sprite (alternative -1) or of a non-image alternative; NotData for a
+// picture or a sprite that is not there, FileChanged or ReadFailed when the file is not as it
+// was opened.
+GrfResult SpriteBytes(const GrfFile& file, int32_t sprite, int32_t alternative,
+                      std::vector<uint8_t>& bytes);
 
 // Why a picture could not be made.
 std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternative,
                            GrfResult result);
+// Why the file can no longer be read as it was opened, for a list that stopped Unreadable.
+std::string UnreadableText(const GrfFile& file);
 
 // The chunk list of a sprite through one alternative, chunk by chunk; a version-1 file lists
-// from the chunk viewer's scan. A cursor whose file has been rescanned or closed lists nothing.
+// from the chunk viewer's scan. A cursor whose file has been rescanned or closed lists nothing; one
+// whose file has changed since it was opened stops with Unreadable.
 ChunkCursor StartChunks(const GrfFile& file, int32_t sprite, int32_t alternative);
 bool NextChunk(const GrfFile& file, ChunkCursor& cursor, ChunkRecord& chunk);
 std::vector<ChunkRecord> ChunksOf(const GrfFile& file, int32_t sprite, int32_t alternative);

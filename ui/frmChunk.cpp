@@ -207,6 +207,8 @@ void frmChunk::scrSprite_Change() {
     Li->AddItem(line.Text);
     Li->SetItemData(Li->NewIndex(), line.ItemData);
   }
+  // A file changed since it was opened ends the list with the reason.
+  if (cursor.Unreadable) Li->AddItem(UnreadableText(File));
   Li->setVisible(true);
 }
 

@@ -2,6 +2,7 @@
 // the OpenGFX files, damaged files, and the chunk list rebuilt into the bytes it lists.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <sstream>
 
@@ -36,12 +37,33 @@ Bytes RebuildFromLines(const std::vector<ChunkLine>& lines) {
   return out;
 }
 
+// The index as numbers, to compare two indexes whole.
+std::vector<std::array<int64_t, 10>> Numbers(const GrfV2Index& x) {
+  std::vector<std::array<int64_t, 10>> f;
+  for (const GrfV2Sprite& s : x.Sprites)
+    f.push_back({s.Info, s.DataOffset, s.DataSize, s.Id, s.FirstAlternative, s.AlternativeCount,
+                 s.Default});
+  for (const GrfV2Alternative& a : x.Alternatives)
+    f.push_back({a.Id, a.StreamOffset, a.StreamSize, a.Info, a.Zoom, a.Width, a.Height, a.XOffset,
+                 a.YOffset, a.TileSize});
+  f.push_back({int64_t(x.End), x.ProblemCount});
+  return f;
+}
+
+// Every file is also written out and read from the disk at positions, which must give the same
+// index, messages and pictures as the buffer.
 struct Opened {
   Bytes File;
   GrfV2Index Index;
   std::vector<std::string> Messages;
+  FileHandle Disk;
   GrfV2Result Decode(int32_t alternative, GrfV2Image& image) const {
-    return DecodeAlternative(File.data(), File.size(), Index.Alternatives.at(alternative), image);
+    const GrfV2Alternative& a = Index.Alternatives.at(alternative);
+    const GrfV2Result result = DecodeAlternative(File.data(), File.size(), a, image);
+    GrfV2Image read;
+    EXPECT_EQ(DecodeAlternative(FileSource(*Disk), a, read), result);
+    EXPECT_TRUE(read.Rgba == image.Rgba && read.Indices == image.Indices);
+    return result;
   }
   std::vector<ChunkLine> Lines(int32_t alternative) const {
     return V2ChunkList(File.data(), File.size(), Index, GrfV2Sprite{}, alternative);
@@ -49,9 +71,19 @@ struct Opened {
 };
 
 Opened Open(Bytes file) {
-  Opened o{std::move(file), {}, {}};
+  Opened o{std::move(file), {}, {}, {}};
   IndexGrfV2(o.File.data(), o.File.size(), o.Index,
              [&o](const std::string& m) { o.Messages.push_back(m); });
+  // Removed at once: the file kept open stays readable.
+  const std::string path = grfw::WriteTemp("v2.grf", o.File);
+  o.Disk = OpenForReading(path).File;
+  std::filesystem::remove(path);
+  GrfV2Index read;
+  std::vector<std::string> messages;
+  IndexGrfV2(FileSource(*o.Disk), read,
+             [&messages](const std::string& m) { messages.push_back(m); });
+  EXPECT_EQ(Numbers(read), Numbers(o.Index));
+  EXPECT_EQ(messages, o.Messages);
   return o;
 }
 
