@@ -137,6 +137,14 @@ QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette) {
   return bitmap;
 }
 
+QImage ViewPixels(const SpritePicture& picture, const PaletteBuffer& palette, bool mask) {
+  const bool hasMask = !picture.Rgba.empty() &&
+                       picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
+  return mask && hasMask
+             ? IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, palette)
+             : ImageBitmap(picture, palette);
+}
+
 bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
                 const PaletteBuffer& palette, double freeWidth, double areaHeight,
                 QColor background, int32_t magnification) {

@@ -33,6 +33,10 @@ QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t da
 // image for Width or Height 0.
 QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette);
 
+// The pixels the main window shows for a picture: the mask layer through the palette when `mask`
+// is asked and the picture has one, else ImageBitmap.
+QImage ViewPixels(const SpritePicture& picture, const PaletteBuffer& palette, bool mask);
+
 // Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
 // canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
 // and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
