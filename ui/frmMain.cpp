@@ -79,6 +79,7 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::EraseStores() {
+  DetachSheet();
   CloseGrfFile(File);
 }
 
@@ -103,11 +104,7 @@ bool frmMain::DrawSprite(int32_t Index) {
                PictureProblem(File, Index, shown, result));
     Li->SetListIndex(0);
   }
-  const bool mask = View.Mask && !picture.Rgba.empty() &&
-                    picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
-  const QImage image =
-      mask ? IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, Palette)
-           : ImageBitmap(picture, Palette);
+  const QImage image = ViewPixels(picture, Palette, View.Mask);
   PaintPicture(picSprite->Image(), image, picture.XOffset, picture.YOffset, Left(scrSprite),
                ScaleHeight(picSprite), ColourOfBgr(picSprite->BackColor()), View.Magnification);
   picSprite->Refresh();
@@ -115,11 +112,7 @@ bool frmMain::DrawSprite(int32_t Index) {
 }
 
 int32_t frmMain::ShownAlternative(int32_t sprite) const {
-  if (View.Zoom >= 0) {
-    const int32_t chosen = FindAlternative(File, sprite, View.Zoom, View.Depth);
-    if (chosen >= 0) return chosen;
-  }
-  return DefaultAlternative(File, sprite);
+  return ChosenAlternative(File, sprite, View.Zoom, View.Depth);
 }
 
 void frmMain::AddMessage(const std::string& text) {
@@ -148,6 +141,7 @@ void frmMain::LoadGRF() {
     MsgBox(read.Message, "Error", MsgBoxIcon::Exclamation);
     return;
   }
+  DetachSheet();  // the file it shows is replaced from here on
   setEnabled(false);
 
   SetCaption(this, "Getting number of sprites...");
@@ -190,6 +184,7 @@ void frmMain::LoadGRF() {
 
   AddMessage(FileLoadedMessage(FileName));
   Li->SetListIndex(0);
+  AttachSheet();
   setEnabled(true);
 }
 
@@ -202,6 +197,7 @@ void frmMain::scrSprite_Change() {
 
 void frmMain::ShowView() {
   const int32_t v = View.Sprite;
+  if (SpriteSheet) SpriteSheet->Follow(v, LookOfView());
   Offer = PictureOffer{};
   if (v < 0 || v >= SpriteCount(File)) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.

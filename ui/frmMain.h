@@ -14,6 +14,7 @@
 
 #include "filedialog.h"
 #include "frmChunk.h"
+#include "frmSheet.h"
 #include "grffile.h"
 #include "palette.h"
 #include "text.h"
@@ -73,6 +74,8 @@ class frmMain : public QMainWindow {
   std::unique_ptr<clsFileDialog> FileDialog;
   // The chunk viewer, made by its first showing and kept until the program ends.
   std::unique_ptr<frmChunk> ChunkViewer;
+  // The Sprite Sheet, made by its first showing and kept; it follows the file and the view.
+  std::unique_ptr<frmSheet> SpriteSheet;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -129,6 +132,8 @@ class frmMain : public QMainWindow {
   QAction* mnuDepth8;
   QAction* mnuDepth32;
   QAction* mnuMaskLayer;
+  QAction* mnuLine4;
+  QAction* mnuSheet;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -163,6 +168,7 @@ class frmMain : public QMainWindow {
   void mnuLevel_Click(int32_t zoom);
   void mnuDepth_Click(int32_t bits);
   void mnuMaskLayer_Click();
+  void mnuSheet_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
@@ -186,6 +192,11 @@ class frmMain : public QMainWindow {
   void ShowView();
   // The alternative of a sprite to show: the chosen one where it has it, else its default.
   int32_t ShownAlternative(int32_t sprite) const;
+  // The Sprite Sheet's part: what the view's choices make of a picture, and the file's coming
+  // and going.
+  SheetLook LookOfView() const;
+  void AttachSheet();
+  void DetachSheet();
   ViewState View;
   PictureOffer Offer;
   // Pictures (sprite, alternative) whose failure to decode has been reported, so that browsing

@@ -72,6 +72,8 @@ void frmMain::BuildViewItems() {
   mnuDepth32 = NewChoice(mnuColourDepth, depths, "&32 bpp", QKeySequence(Qt::CTRL | Qt::Key_8));
   mnuMaskLayer = NewCommand(mnuView, "&Mask Layer", {QKeySequence(Qt::CTRL | Qt::Key_M)});
   mnuMaskLayer->setCheckable(true);
+  mnuLine4 = mnuView->addSeparator();
+  mnuSheet = NewCommand(mnuView, "Sprite &Sheet", {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)});
 
   connect(mnuZoomIn, &QAction::triggered, this, [this] { mnuZoomIn_Click(); });
   connect(mnuZoomOut, &QAction::triggered, this, [this] { mnuZoomOut_Click(); });
@@ -79,6 +81,7 @@ void frmMain::BuildViewItems() {
   connect(mnuDepth8, &QAction::triggered, this, [this] { mnuDepth_Click(8); });
   connect(mnuDepth32, &QAction::triggered, this, [this] { mnuDepth_Click(32); });
   connect(mnuMaskLayer, &QAction::triggered, this, [this] { mnuMaskLayer_Click(); });
+  connect(mnuSheet, &QAction::triggered, this, [this] { mnuSheet_Click(); });
   UpdateViewItems();
 }
 

@@ -1,0 +1,38 @@
+// frmMain and the Sprite Sheet: the sheet shows the window's file with the window's choices, and
+// a sprite picked in it is shown through the scroll bar, as every other way of browsing is.
+#include "frmMain.h"
+#include "scrollbar.h"
+
+namespace vossel {
+
+SheetLook frmMain::LookOfView() const {
+  SheetChoices choices;
+  choices.Palette = Palette;
+  choices.Zoom = View.Zoom;
+  choices.Depth = View.Depth;
+  choices.Mask = View.Mask;
+  return LookOf(choices);
+}
+
+void frmMain::AttachSheet() {
+  // Until the engine tells the roles, the sheet filters by what the sprites show.
+  if (SpriteSheet && SpriteCount(File) > 0)
+    SpriteSheet->Attach(File, RolesFromSprites(File), View.Sprite, LookOfView());
+}
+
+void frmMain::DetachSheet() {
+  if (SpriteSheet) SpriteSheet->Detach();
+}
+
+void frmMain::mnuSheet_Click() {
+  if (!SpriteSheet) {
+    SpriteSheet = std::make_unique<frmSheet>(this);
+    SpriteSheet->Choose = [this](int32_t sprite) { scrSprite->SetValue(sprite); };
+    AttachSheet();
+  }
+  SpriteSheet->show();
+  SpriteSheet->raise();
+  SpriteSheet->activateWindow();
+}
+
+}  // namespace vossel
