@@ -415,18 +415,28 @@ void frmSheet::PaintGrid(QPainter& painter, const QRect& area) {
   if (file_ == nullptr || shown_.empty()) return;
   ++cache_->Paint;
   const int32_t top = scrGrid->value();
-  const int64_t firstRow = (int64_t{top} + area.top()) / layout_.PitchY;
-  const int64_t lastRow = (int64_t{top} + area.bottom()) / layout_.PitchY;
-  const int64_t end = std::min<int64_t>((lastRow + 1) * layout_.Columns, shown_.size());
-  std::vector<SheetDecoder::Job> wanted;
+  const auto slotAt = [&](int32_t y) {
+    return (int64_t{top} + y) / layout_.PitchY * layout_.Columns;
+  };
+  const auto count = static_cast<int64_t>(shown_.size());
   static const QImage none;
-  for (int64_t slot = firstRow * layout_.Columns; slot < end; ++slot) {
+  for (int64_t slot = slotAt(area.top());
+       slot < std::min(slotAt(area.bottom()) + layout_.Columns, count); ++slot) {
     const int32_t sprite = shown_[static_cast<size_t>(slot)];
     const SheetEntry& entry = entries_[static_cast<size_t>(sprite)];
     const QImage* picture = entry.Kind == SpriteKind::Picture ? cache_->Find(sprite) : &none;
-    if (picture == nullptr) wanted.push_back({sprite, entry});
     PaintSheetCell(painter, layout_, SheetCellOrigin(layout_, slot) - QPoint(0, top), sprite, entry,
                    picture ? *picture : none, sprite == highlighted_);
+  }
+  // Every cell in sight that waits is asked for, whatever part was painted: the wish replaces
+  // the one before.
+  std::vector<SheetDecoder::Job> wanted;
+  for (int64_t slot = slotAt(0);
+       slot < std::min(slotAt(Grid->height() - 1) + layout_.Columns, count); ++slot) {
+    const int32_t sprite = shown_[static_cast<size_t>(slot)];
+    const SheetEntry& entry = entries_[static_cast<size_t>(sprite)];
+    if (entry.Kind == SpriteKind::Picture && cache_->Items.count(sprite) == 0)
+      wanted.push_back({sprite, entry});
   }
   if (!wanted.empty())
     decoder_->Want(file_, sharedLook_, layout_.Cell, generation_, std::move(wanted));
