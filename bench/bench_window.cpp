@@ -1,5 +1,6 @@
 // The main window as the user meets it: a whole Open of a file with the list filled, a step of the
-// scroll bar, a column sort and Zoom In, on the real frmMain offscreen, for version 1 and 2.
+// scroll bar, a column sort and Zoom In, on the real frmMain offscreen, for version 1 and 2; and
+// the Sprite Sheet beside it on 60,000 sprites: its first screen, a page down, its memory.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -7,6 +8,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEvent>
+#include <QScrollBar>
 
 #include <cstdio>
 #include <memory>
@@ -14,6 +16,7 @@
 
 #include "bench_files.h"
 #include "frmMain.h"
+#include "frmSheet.h"
 #include "listview.h"
 #include "picturebox.h"
 #include "scrollbar.h"
@@ -75,6 +78,82 @@ struct FirstPaint : QObject {
     return false;
   }
 };
+// The process's resident memory in MiB.
+double ResidentMiB() {
+  long pages = 0, resident = 0;
+  if (FILE* f = std::fopen("/proc/self/statm", "r")) {
+    if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
+    std::fclose(f);
+  }
+  return double(resident) * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
+}
+
+// The Sprite Sheet of the main window, open on `path` at its first size.
+frmSheet& Sheet(const std::string& path) {
+  frmMain& w = Window();
+  if (w.FileName != path) {
+    w.FileName = path;
+    w.LoadGRF();
+  }
+  if (!w.SpriteSheet) w.mnuSheet_Click();
+  QApplication::processEvents();
+  return *w.SpriteSheet;
+}
+
+// Paints the grid and lets the decoded pictures in until every cell in sight has its own.
+void Settle(frmSheet& sheet) {
+  sheet.Grid->repaint();
+  while (sheet.Waiting() > 0) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+  QApplication::processEvents();
+}
+
+// From the file's arrival to the first screen with every picture: what the main window hands
+// over (roles and look) included.
+void SheetFirstScreen(benchmark::State& state, const std::string& path) {
+  frmSheet& sheet = Sheet(path);
+  frmMain& w = Window();
+  for (auto _ : state) {
+    state.PauseTiming();
+    sheet.Detach();
+    state.ResumeTiming();
+    SheetChoices choices;
+    choices.Palette = w.Palette;
+    sheet.Attach(w.File, SheetRolesOf(w.Reading), 0, LookOf(choices));
+    Settle(sheet);
+  }
+  state.counters["cells"] = static_cast<double>(sheet.Layout().Columns) *
+                            (sheet.Grid->height() / sheet.Layout().PitchY + 1);
+}
+
+// A page down and its paint, without waiting for the pictures.
+void SheetPageScroll(benchmark::State& state, const std::string& path) {
+  frmSheet& sheet = Sheet(path);
+  for (auto _ : state) {
+    const int next = sheet.scrGrid->value() + sheet.scrGrid->pageStep();
+    sheet.scrGrid->setValue(next > sheet.scrGrid->maximum() ? 0 : next);
+    sheet.Grid->repaint();
+  }
+}
+
+// Resident memory grown by the sheet: before it is opened, and after paging through the first
+// 400 screens with every picture decoded.
+void SheetMemory(benchmark::State& state, const std::string& path) {
+  frmMain& w = Window();
+  w.FileName = path;
+  w.LoadGRF();
+  QApplication::processEvents();
+  const double before = ResidentMiB();
+  frmSheet& sheet = Sheet(path);
+  for (auto _ : state) {
+    sheet.scrGrid->setValue(0);
+    for (int page = 0; page < 400 && sheet.scrGrid->value() < sheet.scrGrid->maximum(); ++page) {
+      Settle(sheet);
+      sheet.scrGrid->setValue(sheet.scrGrid->value() + sheet.scrGrid->pageStep());
+    }
+  }
+  state.counters["rss_growth_MiB"] = ResidentMiB() - before;
+  state.counters["file_MiB"] = double(w.File.FileLength) / (1024.0 * 1024.0);
+}
 
 }  // namespace
 
@@ -118,6 +197,16 @@ void RegisterWindowCases() {
   static const std::string v2tiles = WriteBenchFile("v2-tiles", V2DecodeFile(64));
   benchmark::RegisterBenchmark("window/open/v2-60000", [](benchmark::State& s) {
     OpenFile(s, v2many);
+  })->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("sheet/memory/v2-60000",
+                               [](benchmark::State& s) { SheetMemory(s, v2many); })
+      ->Unit(benchmark::kMillisecond)
+      ->Iterations(1);
+  benchmark::RegisterBenchmark("sheet/first-screen/v2-60000", [](benchmark::State& s) {
+    SheetFirstScreen(s, v2many);
+  })->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("sheet/page-scroll/v2-60000", [](benchmark::State& s) {
+    SheetPageScroll(s, v2many);
   })->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("window/v2-scroll-step/32bpp-in4", [](benchmark::State& s) {
     ScrollSteps(s, v2tiles, 64);  // a version-2 picture is decoded as it is shown

@@ -78,9 +78,9 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
                      int32_t& alternative);
 
 // Writes a picture as a PNG file with the sprite's offsets in its text chunks, whole or not at
-// all. False with the reason in `error`.
+// all. False with the reason in `error`. `quality` is the PNG encoder's (see QImage::save).
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
-                  std::string& error);
+                  std::string& error, int32_t quality = -1);
 
 int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);
@@ -89,6 +89,7 @@ int CmdChunks(const std::vector<std::string>& args);
 int CmdExport(const std::vector<std::string>& args);
 int CmdAbout(const std::vector<std::string>& args);
 int CmdNfo(const std::vector<std::string>& args);
+int CmdSheet(const std::vector<std::string>& args);
 
 // The text chunks of an exported PNG that carry the sprite's offsets.
 inline constexpr const char kXOffsetKey[] = "XOffset";

@@ -53,6 +53,7 @@ struct ExportContent {
   int32_t YOffset = 0;
   QByteArray Bytes;
   std::string Problem;
+  int32_t Quality = -1;  // the PNG encoder's: -1 its default, up to 100 the fastest and largest
 };
 
 struct ExportTally {
@@ -157,7 +158,7 @@ bool WriteAtomically(const QString& path, const ExportContent& content, QString&
     QImage picture = content.Picture;
     picture.setText(QString::fromLatin1(kXOffsetKey), QString::number(content.XOffset));
     picture.setText(QString::fromLatin1(kYOffsetKey), QString::number(content.YOffset));
-    written = picture.save(&file, "PNG");
+    written = picture.save(&file, "PNG", content.Quality);
   }
   if (!written) {
     error = file.error() != QFileDevice::NoError ? file.errorString()
@@ -352,8 +353,9 @@ int CmdExport(const std::vector<std::string>& args) {
 }
 
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
-                  std::string& error) {
+                  std::string& error, int32_t quality) {
   ExportContent content;
+  content.Quality = quality;
   content.Picture = picture;
   content.XOffset = x;
   content.YOffset = y;

@@ -30,6 +30,10 @@ const char kUsage[] =
     "  nfo FILE                           the whole file as NFO text, numbered from 0\n"
     "  export FILE DIR [--palette PAL] [--force]\n"
     "                                     every sprite as a PNG file (pseudo-sprites as .bin)\n"
+    "  sheet FILE OUT.png [--columns N] [--cell PX] [--first A] [--last B] [--palette PAL]\n"
+    "        [--company COLOUR] [--zoom LEVEL] [--depth 8|32] [--force]\n"
+    "                                     the sprites as numbered cells (16 across, 64 pixels);\n"
+    "                                     past 8192 pixels OUT-2.png, OUT-3.png, ...\n"
     "\n"
     "Options:\n"
     "  --zoom LEVEL and --depth 8|32 choose one of a version-2 sprite's alternatives;\n"
@@ -65,6 +69,7 @@ int main(int argc, char** argv) {
   if (command == "export") return CmdExport(args);
   if (command == "about") return CmdAbout(args);
   if (command == "nfo") return CmdNfo(args);
+  if (command == "sheet") return CmdSheet(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

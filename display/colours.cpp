@@ -126,4 +126,13 @@ QImage DrawnPicture(SpritePicture picture, const PaletteBuffer& palette, const R
   return ImageBitmapInColour(picture, palette, *map);
 }
 
+QImage ViewPixels(SpritePicture picture, const PaletteBuffer& palette, bool mask,
+                  const RecolourMap* map) {
+  const bool hasMask = !picture.Rgba.empty() &&
+                       picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
+  if (mask && hasMask)
+    return IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, palette);
+  return DrawnPicture(std::move(picture), palette, map);
+}
+
 }  // namespace vossel

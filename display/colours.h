@@ -71,4 +71,9 @@ QImage ImageBitmapInColour(const GrfV2Image& image, const PaletteBuffer& palette
 // is shaded as ShadeMaskedPixels says.
 QImage DrawnPicture(SpritePicture picture, const PaletteBuffer& palette, const RecolourMap* map);
 
+// What the picture area shows of a decoded picture: its mask layer through the palette when
+// `mask` is asked and it has one, else DrawnPicture.
+QImage ViewPixels(SpritePicture picture, const PaletteBuffer& palette, bool mask,
+                  const RecolourMap* map);
+
 }  // namespace vossel

@@ -270,6 +270,14 @@ int32_t DefaultAlternative(const GrfFile& file, int32_t sprite) {
   return Local(s, s.Default);
 }
 
+int32_t ChosenAlternative(const GrfFile& file, int32_t sprite, int32_t zoom, int32_t depth) {
+  if (zoom >= 0) {
+    const int32_t chosen = FindAlternative(file, sprite, zoom, depth);
+    if (chosen >= 0) return chosen;
+  }
+  return DefaultAlternative(file, sprite);
+}
+
 int32_t FindAlternative(const GrfFile& file, int32_t sprite, int32_t zoom, int32_t depth) {
   if (!Version2(file)) {
     const bool fits = (zoom < 0 || zoom == kZoomNormal) && (depth == 0 || depth == 8);

@@ -120,6 +120,9 @@ int32_t DefaultAlternative(const GrfFile& file, int32_t sprite);
 // The sprite's alternative at `zoom` (-1: any) and `depth` (0: any) by the same order; -1 when
 // it has none such.
 int32_t FindAlternative(const GrfFile& file, int32_t sprite, int32_t zoom, int32_t depth);
+// The alternative a window shows for a chosen zoom (-1: none chosen) and depth: the chosen one
+// where the sprite has it, else its default.
+int32_t ChosenAlternative(const GrfFile& file, int32_t sprite, int32_t zoom, int32_t depth);
 // "8bpp normal", "32bpp in4", "data"; and all of a sprite's, joined by ", ".
 std::string AlternativeText(const AlternativeInfo& a);
 std::string AlternativeList(const GrfFile& file, int32_t sprite);

@@ -80,6 +80,7 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::EraseStores() {
+  DetachSheet();
   CloseGrfFile(File);
   Reading = FileReading{};
   ReadingDone = false;
@@ -106,15 +107,11 @@ bool frmMain::DrawSprite(int32_t Index) {
                PictureProblem(File, Index, shown, result));
     Li->SetListIndex(0);
   }
-  const bool mask = View.Mask && !picture.Rgba.empty() &&
-                    picture.Indices.size() == size_t(picture.Width) * size_t(picture.Height);
   const int32_t x = picture.XOffset, y = picture.YOffset;
   const RecolourMap* map = View.Company >= 0 && HaveMaps
                                ? &MapOf(Maps, static_cast<CompanyColour>(View.Company))
                                : nullptr;
-  const QImage image =
-      mask ? IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, Palette)
-           : DrawnPicture(std::move(picture), Palette, map);
+  const QImage image = ViewPixels(std::move(picture), Palette, View.Mask, map);
   PictureOptions options;
   options.TransparentIndex0 = View.Transparent;
   options.AlignToOrigin = View.Origin;
@@ -126,11 +123,7 @@ bool frmMain::DrawSprite(int32_t Index) {
 }
 
 int32_t frmMain::ShownAlternative(int32_t sprite) const {
-  if (View.Zoom >= 0) {
-    const int32_t chosen = FindAlternative(File, sprite, View.Zoom, View.Depth);
-    if (chosen >= 0) return chosen;
-  }
-  return DefaultAlternative(File, sprite);
+  return ChosenAlternative(File, sprite, View.Zoom, View.Depth);
 }
 
 void frmMain::AddMessage(const std::string& text) {
@@ -161,6 +154,7 @@ void frmMain::LoadGRF() {
     MsgBox(read.Message, "Error", MsgBoxIcon::Exclamation);
     return;
   }
+  DetachSheet();  // the file it shows is replaced from here on
   setEnabled(false);
 
   SetCaption(this, "Getting number of sprites...");
@@ -207,6 +201,7 @@ void frmMain::LoadGRF() {
 
   AddMessage(FileLoadedMessage(FileName));
   Li->SetListIndex(0);
+  AttachSheet();
   setEnabled(true);
   Loaded();
 }
@@ -222,6 +217,7 @@ void frmMain::scrSprite_Change() {
 
 void frmMain::ShowView() {
   const int32_t v = View.Sprite;
+  if (SpriteSheet) SpriteSheet->Follow(v, LookOfView());
   Offer = PictureOffer{};
   if (v < 0 || v >= SpriteCount(File)) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.

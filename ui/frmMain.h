@@ -18,6 +18,7 @@
 #include "follow.h"
 #include "frmChunk.h"
 #include "frmDetails.h"
+#include "frmSheet.h"
 #include "grffile.h"
 #include "palette.h"
 #include "text.h"
@@ -82,6 +83,8 @@ class frmMain : public QMainWindow {
   FileReading Reading;
   bool ReadingDone = false;
   frmDetails* Details = nullptr;
+  // The Sprite Sheet, made by its first showing and kept; it follows the file and the view.
+  std::unique_ptr<frmSheet> SpriteSheet;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -161,6 +164,7 @@ class frmMain : public QMainWindow {
   QAction* mnuLine5;
   QAction* mnuDetails;
   QAction* mnuFollow;
+  QAction* mnuSheet;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -204,6 +208,7 @@ class frmMain : public QMainWindow {
   void mnuTransparent_Click();
   void mnuAlignOrigin_Click();
   void mnuFollow_Click();
+  void mnuSheet_Click();
   void mnuAbout_Click();
 
   // Loads `path` as Open does once its dialog has given a name: from the command line and from a
@@ -257,6 +262,11 @@ class frmMain : public QMainWindow {
   bool dragging_ = false;
   // The alternative of a sprite to show: the chosen one where it has it, else its default.
   int32_t ShownAlternative(int32_t sprite) const;
+  // The Sprite Sheet's part: what the view's choices make of a picture, and the file's coming
+  // and going.
+  SheetLook LookOfView() const;
+  void AttachSheet();
+  void DetachSheet();
   ViewState View;
   PictureOffer Offer;
   // Pictures (sprite, alternative) whose failure to decode has been reported, so that browsing

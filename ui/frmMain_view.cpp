@@ -106,6 +106,7 @@ void frmMain::BuildViewItems() {
   connect(mnuAlignOrigin, &QAction::triggered, this, [this] { mnuAlignOrigin_Click(); });
   mnuLine5 = mnuView->addSeparator();
   mnuDetails = NewCommand(mnuView, "&Details", {QKeySequence(Qt::CTRL | Qt::Key_D)});
+  mnuSheet = NewCommand(mnuView, "Sprite &Sheet", {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)});
 
   connect(mnuZoomIn, &QAction::triggered, this, [this] { mnuZoomIn_Click(); });
   connect(mnuZoomOut, &QAction::triggered, this, [this] { mnuZoomOut_Click(); });
@@ -114,6 +115,7 @@ void frmMain::BuildViewItems() {
   connect(mnuDepth32, &QAction::triggered, this, [this] { mnuDepth_Click(32); });
   connect(mnuMaskLayer, &QAction::triggered, this, [this] { mnuMaskLayer_Click(); });
   connect(mnuDetails, &QAction::triggered, this, [this] { mnuDetails_Click(); });
+  connect(mnuSheet, &QAction::triggered, this, [this] { mnuSheet_Click(); });
   UpdateViewItems();
 }
 

@@ -1,0 +1,106 @@
+// A grid of sprite cells, as the Sprite Sheet window and `vossel-cli sheet` draw it: which sprites
+// it holds, where each cell stands, how a picture is scaled into its cell and how a cell is
+// painted. Both share this piece so that their pixels agree.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+
+#include "colours.h"
+#include "grffile.h"
+#include "palette.h"
+#include "roles.h"
+
+class QPainter;
+
+namespace vossel {
+
+constexpr int32_t kMinSheetCell = 16;
+constexpr int32_t kMaxSheetCell = 256;
+constexpr int32_t kDefaultSheetCell = 64;
+
+// The choices of the main window that decide a picture's pixels. Equal choices draw alike, so a
+// choice added here is also one that makes the sheet draw anew.
+struct SheetChoices {
+  PaletteBuffer Palette{};
+  int32_t Zoom = -1;     // the chosen zoom level; -1: each sprite's default
+  int32_t Depth = 0;     // the chosen colour depth; 0: each sprite's default
+  bool Mask = false;     // a 32-bit picture's mask layer instead of its colours
+  bool Company = false;  // drawn in a company's colours, through Map
+  RecolourMap Map{};
+  bool Transparent = false;  // index 0 of 8-bit pictures shows the checkerboard
+  bool operator==(const SheetChoices&) const = default;
+};
+
+// The choices and the one function that applies them to a decoded picture. The function is
+// called from several threads at once, so it holds copies of what it needs.
+struct SheetLook {
+  SheetChoices Choices;
+  std::function<QImage(const SpritePicture&)> Pixels;
+};
+// The look of the choices as the main window draws them today (ViewPixels).
+SheetLook LookOf(const SheetChoices& choices);
+
+// What the grid needs of a sprite, worked out once: the alternative the choices show, its size
+// (0 x 0 for anything but a picture) and a pseudo-sprite's action byte.
+struct SheetEntry {
+  int32_t Alternative = -1;
+  int32_t Width = 0;
+  int32_t Height = 0;
+  SpriteKind Kind = SpriteKind::Picture;
+  int16_t Action = -1;
+};
+std::vector<SheetEntry> SheetEntries(const GrfFile& file, int32_t zoom, int32_t depth);
+
+enum class SheetKinds : uint8_t { All, Pictures, PseudoSprites };
+struct SheetFilter {
+  SheetKinds Kinds = SheetKinds::All;
+  SheetRole Role = SheetRole::Unknown;  // Unknown: any role
+  int32_t MinWidth = 0;                 // above 0 only pictures pass
+  int32_t MinHeight = 0;
+};
+// The sprites from `first` to `last` (from 0, inclusive) that pass, in file order. A sprite
+// beyond `roles` has role Unknown.
+std::vector<int32_t> FilterSheet(const std::vector<SheetEntry>& entries,
+                                 const std::vector<SheetRole>& roles, const SheetFilter& filter,
+                                 int32_t first, int32_t last);
+
+// The measures of the grid: cells of `Cell` pixels square with the number under them, `Columns`
+// across. The number's digits are 3 x 5 squares of `Glyph` pixels.
+struct SheetLayout {
+  int32_t Cell = kDefaultSheetCell;
+  int32_t Columns = 1;
+  int32_t Glyph = 1;
+  int32_t PitchX = 0;  // from one cell to the next, across and down
+  int32_t PitchY = 0;
+};
+// The cell size is held to 16..256, the columns to at least 1.
+SheetLayout MakeSheetLayout(int32_t cell, int32_t columns);
+// The top left corner of the cell at `slot` (0 top left, then across).
+QPoint SheetCellOrigin(const SheetLayout& layout, int64_t slot);
+// The picture square of a cell whose corner is `origin`.
+QRect SheetPictureSquare(const SheetLayout& layout, QPoint origin);
+
+// The size of a width x height picture in a cell: enlarged by the largest whole number that still
+// fits, or reduced to fit keeping its proportions (at least 1 pixel). Empty for no pixels.
+QSize CellPictureSize(int32_t width, int32_t height, int32_t cell);
+// The pixels scaled by that rule: enlarged as the magnifier does (nearest neighbour), reduced
+// smoothly; alpha laid over the checkerboard. An opaque RGB32 image, null for a null picture.
+QImage CellPicture(const QImage& pixels, int32_t cell);
+// Sprite `sprite` decoded through its entry, turned into pixels by the look and scaled: null for
+// anything but a picture, and for a picture that cannot be made (`result` then says why).
+QImage SheetPicture(const GrfFile& file, int32_t sprite, const SheetEntry& entry,
+                    const SheetLook& look, int32_t cell, GrfResult& result);
+
+// Paints one cell at `origin`: a picture centred in its square (an empty frame while `picture`
+// is null), a pseudo-sprite as a small tile with its action in hex, and the number under it
+// (counted from 1). The highlight marks the sprite on view in the window.
+void PaintSheetCell(QPainter& painter, const SheetLayout& layout, QPoint origin, int32_t sprite,
+                    const SheetEntry& entry, const QImage& picture, bool highlighted);
+
+}  // namespace vossel

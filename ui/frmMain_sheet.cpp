@@ -1,0 +1,44 @@
+// frmMain and the Sprite Sheet: the sheet shows the window's file with the window's choices, and
+// a sprite picked in it is shown through the scroll bar, as every other way of browsing is.
+#include "frmMain.h"
+#include "scrollbar.h"
+
+namespace vossel {
+
+SheetLook frmMain::LookOfView() const {
+  SheetChoices choices;
+  choices.Palette = Palette;
+  choices.Zoom = View.Zoom;
+  choices.Depth = View.Depth;
+  choices.Mask = View.Mask;
+  choices.Company = View.Company >= 0 && HaveMaps;
+  if (choices.Company) choices.Map = MapOf(Maps, static_cast<CompanyColour>(View.Company));
+  choices.Transparent = View.Transparent;
+  return LookOf(choices);
+}
+
+void frmMain::AttachSheet() {
+  if (!SpriteSheet || SpriteCount(File) == 0) return;
+  if (!ReadingDone) {
+    ReadFileActions(File, Reading);
+    ReadingDone = true;
+  }
+  SpriteSheet->Attach(File, SheetRolesOf(Reading), View.Sprite, LookOfView());
+}
+
+void frmMain::DetachSheet() {
+  if (SpriteSheet) SpriteSheet->Detach();
+}
+
+void frmMain::mnuSheet_Click() {
+  if (!SpriteSheet) {
+    SpriteSheet = std::make_unique<frmSheet>(this);
+    SpriteSheet->Choose = [this](int32_t sprite) { scrSprite->SetValue(sprite); };
+    AttachSheet();
+  }
+  SpriteSheet->show();
+  SpriteSheet->raise();
+  SpriteSheet->activateWindow();
+}
+
+}  // namespace vossel
