@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <functional>
 #include <mutex>
@@ -12,20 +13,25 @@
 #include <thread>
 #include <vector>
 
+#include <QBuffer>
 #include <QByteArray>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QFileInfo>
 #include <QImage>
-#include <QSaveFile>
+#include <QImageWriter>
+#include <QSet>
 
 #include "commands.h"
+#include "filewrite.h"
 #include "palette.h"
 #include "renderer.h"
 
 namespace {
 
 const char kExportUsage[] = "Usage: vossel-cli export FILE DIR [--palette PAL] [--force]\n";
+
+// Qt gives PNG quality 80 to 89 zlib's fastest level.
+constexpr int kPngQuality = 85;
 
 enum class ExportKind : uint8_t { Picture, Bytes };
 
@@ -178,41 +184,32 @@ ExportContent AlternativeContent(const CliLoad& load, const PaletteBuffer& palet
   return content;
 }
 
-// Writes the whole file under a temporary name and renames it into place, so that a failure
-// never leaves a part of it. False with the reason in `error`.
-bool WriteAtomically(const QString& path, const ExportContent& content, QString& error) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) {
-    error = file.errorString();
-    return false;
-  }
-  bool written = false;
+// The file's bytes: PNG for a picture, with the offsets in its text chunks. The pictures are
+// small and mostly indexed, so the fastest zlib level costs little in size and much less time.
+bool FileBytes(const ExportContent& content, QByteArray& bytes) {
   if (content.Picture.isNull()) {
-    written = file.write(content.Bytes) == content.Bytes.size();
-  } else {
-    QImage picture = content.Picture;
-    picture.setText(QString::fromLatin1(kXOffsetKey), QString::number(content.XOffset));
-    picture.setText(QString::fromLatin1(kYOffsetKey), QString::number(content.YOffset));
-    written = picture.save(&file, "PNG");
+    bytes = content.Bytes;
+    return true;
   }
-  if (!written) {
-    error = file.error() != QFileDevice::NoError ? file.errorString()
-                                                 : QStringLiteral("the PNG encoder failed");
-    return false;  // the temporary file goes with `file`
-  }
-  if (!file.commit()) {
-    error = file.errorString();
-    return false;
-  }
-  return true;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QImageWriter writer(&buffer, "PNG");
+  writer.setQuality(kPngQuality);
+  writer.setText(QString::fromLatin1(kXOffsetKey), QString::number(content.XOffset));
+  writer.setText(QString::fromLatin1(kYOffsetKey), QString::number(content.YOffset));
+  return writer.write(content.Picture);
 }
 
 // The first planned file that is there already, and how many are; an empty name when none is.
 QString FirstExisting(const QDir& dir, const std::vector<ExportItem>& items, int32_t& count) {
+  // One listing of the folder rather than a look-up per file.
+  const QStringList listed =
+      dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System, QDir::Unsorted);
+  const QSet<QString> there(listed.begin(), listed.end());
   QString first;
   count = 0;
   for (const ExportItem& item : items) {
-    if (!QFileInfo::exists(dir.filePath(item.Name))) continue;
+    if (!there.contains(item.Name)) continue;
     if (count++ == 0) first = dir.filePath(item.Name);
   }
   return first;
@@ -249,44 +246,38 @@ class ProgressLine {
 
 using ContentFn = std::function<ExportContent(const ExportItem&)>;
 
-// A file waits on the disk for a while before it is complete (QSaveFile syncs it), so several
-// writers work at once.
-constexpr int kWriters = 8;
-
-// What the writers share; the lock guards everything behind it.
+// What the workers share; the lock guards everything behind it.
 struct WriteRun {
   std::atomic<size_t> Next{0};
+  std::atomic<bool> Failed{false};
   std::mutex Lock;
   ExportTally Tally;
   int32_t Done = 0;
-  bool Failed = false;
-  QString FailedPath, Error;
+  std::string Error;  // the first failure's message
 };
 
-void WriteSome(const QDir& dir, const std::vector<ExportItem>& items, const ContentFn& contentOf,
-               ProgressLine& progress, WriteRun& run) {
-  for (size_t i = run.Next++; i < items.size(); i = run.Next++) {
-    {
-      const std::lock_guard lock(run.Lock);
-      if (run.Failed) return;
-    }
+void WriteSome(vossel::WriteFolder& folder, const std::vector<ExportItem>& items,
+               const ContentFn& contentOf, ProgressLine& progress, WriteRun& run) {
+  for (size_t i = run.Next++; i < items.size() && !run.Failed; i = run.Next++) {
     const ExportItem& item = items[i];
     const ExportContent content = contentOf(item);
     const bool empty = item.Kind == ExportKind::Picture && content.Picture.isNull();
-    QString error;
-    const bool written = empty || WriteAtomically(dir.filePath(item.Name), content, error);
+    QByteArray bytes;
+    vossel::WriteFailure failure;
+    std::string error;
+    if (!empty && !FileBytes(content, bytes))
+      error = "cannot encode " + item.Name.toStdString() + " as PNG";
+    else if (!empty && !vossel::WriteWhole(folder, item.Name.toStdString(), bytes.constData(),
+                                           static_cast<size_t>(bytes.size()), failure))
+      error = vossel::WriteFailureText(failure);
     const std::lock_guard lock(run.Lock);
     if (!content.Problem.empty()) {
       progress.Say(content.Problem);
       ++run.Tally.Undecoded;
       continue;
     }
-    if (!written) {
-      if (!run.Failed) {
-        run.FailedPath = dir.filePath(item.Name);
-        run.Error = error;
-      }
-      run.Failed = true;
+    if (!error.empty()) {
+      if (!run.Failed.exchange(true)) run.Error = error;
       return;
     }
     ++(empty                              ? run.Tally.WithoutPixels
@@ -296,20 +287,25 @@ void WriteSome(const QDir& dir, const std::vector<ExportItem>& items, const Cont
   }
 }
 
-// Writes every item, each complete or not at all. False when one cannot be written, with its
-// path and the reason; the files written before stay, and no new one is begun.
-bool WriteItems(const QDir& dir, const std::vector<ExportItem>& items, const ContentFn& contentOf,
-                ExportTally& tally, QString& failed, QString& error) {
+// Encodes and writes every item on all cores, then puts them in place after one sync. On the
+// first failure the workers stop and what this run began is removed; false with the message.
+bool WriteItems(vossel::WriteFolder& folder, const std::vector<ExportItem>& items,
+                const ContentFn& contentOf, ExportTally& tally, std::string& error) {
   WriteRun run;
   run.Tally = tally;
   {
     ProgressLine progress(static_cast<int32_t>(items.size()));
-    std::vector<std::jthread> writers;
-    for (int k = 0; k < kWriters; ++k)
-      writers.emplace_back([&] { WriteSome(dir, items, contentOf, progress, run); });
+    std::vector<std::jthread> workers(std::max(1U, std::thread::hardware_concurrency()));
+    for (std::jthread& worker : workers)
+      worker = std::jthread([&] { WriteSome(folder, items, contentOf, progress, run); });
   }
+  vossel::WriteFailure failure;
+  if (!run.Failed && !vossel::PlaceWritten(folder, failure)) {
+    run.Failed = true;
+    run.Error = vossel::WriteFailureText(failure);
+  }
+  if (run.Failed) vossel::UndoWritten(folder);
   tally = run.Tally;
-  failed = run.FailedPath;
   error = run.Error;
   return !run.Failed;
 }
@@ -364,17 +360,27 @@ int CmdExport(const std::vector<std::string>& args) {
     return kExitFailure;
   }
 
-  QString failed, error;
+  vossel::WriteFolder folder;
+  vossel::WriteFailure failure;
+  if (!vossel::OpenWriteFolder(dirName.toLocal8Bit().toStdString(), folder, failure)) {
+    std::fprintf(stderr, "vossel-cli: %s\n", vossel::WriteFailureText(failure).c_str());
+    return kExitFailure;
+  }
+  // Past a file size limit a write is to fail with its reason, not to end the program.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::string error;
   const bool done = WriteItems(
-      dir, items,
+      folder, items,
       [&](const ExportItem& item) {
         return load.V2 ? AlternativeContent(load, palette, item)
                        : SpriteContent(load, palette, item);
       },
-      tally, failed, error);
-  if (!done)
-    std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", qPrintable(failed),
-                 qPrintable(error));
+      tally, error);
+  vossel::CloseWriteFolder(folder);
+  if (!done) {
+    std::fprintf(stderr, "vossel-cli: %s\n", error.c_str());
+    return kExitFailure;
+  }
   PrintSummary(tally, SpriteCount(load), dirName);
-  return done ? kExitOk : kExitFailure;
+  return kExitOk;
 }
