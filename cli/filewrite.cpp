@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -112,6 +113,9 @@ bool WriteWhole(WriteFolder& folder, const std::string& name, const void* bytes,
 bool PlaceWritten(WriteFolder& folder, WriteFailure& failure) {
   const std::lock_guard lock(folder.Lock);
   if (syncfs(folder.Descriptor) != 0) return Fail(failure, folder.Path, errno);
+  // In the order of their names, so that a kill leaves the first ones.
+  std::sort(folder.Pending.begin(), folder.Pending.end(),
+            [](const PendingFile& a, const PendingFile& b) { return a.Name < b.Name; });
   for (size_t i = 0; i < folder.Pending.size(); ++i) {
     const PendingFile& file = folder.Pending[i];
     if (renameat(folder.Descriptor, file.Temporary.c_str(), folder.Descriptor, file.Name.c_str()) !=
