@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -17,6 +18,7 @@ struct CliRun {
 // Starts vossel-cli with its output going to `base`.out and .err; gives its process id.
 inline pid_t StartCli(std::vector<std::string> args, const std::string& base) {
   args.insert(args.begin(), VOSSEL_CLI_PATH);
+  std::fflush(nullptr);  // else the child writes out what this process has buffered, twice
   const pid_t child = fork();
   if (child == 0) {
     std::vector<char*> argv;
