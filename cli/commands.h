@@ -78,9 +78,9 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
                      int32_t& alternative);
 
 // Writes a picture as a PNG file with the sprite's offsets in its text chunks, whole or not at
-// all. False with the reason in `error`. `quality` is the PNG encoder's (see QImage::save).
+// all. False with the system's reason in `error`.
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
-                  std::string& error, int32_t quality = -1);
+                  std::string& error);
 
 int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);

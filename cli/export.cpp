@@ -1,30 +1,33 @@
-// vossel-cli export FILE DIR: every sprite of FILE, and every alternative of a version-2 sprite,
-// as its own file in DIR, for image editors and scripts. Pictures become PNG files,
-// pseudo-sprites files of their bytes.
+// vossel-cli export FILE DIR: every picture of FILE, and every alternative of a sprite, as a PNG
+// file of its own in DIR, sounds as the WAV files they are, and the whole file as one NFO listing
+// that names each picture's file. Encoded on all cores; every file whole or absent.
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <QByteArray>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QSaveFile>
+#include <QSet>
 
 #include "commands.h"
+#include "filewrite.h"
 #include "palette.h"
+#include "pngwrite.h"
 #include "renderer.h"
 
 namespace vossel {
@@ -35,29 +38,27 @@ const char kExportUsage[] =
     "Usage: vossel-cli export FILE DIR [--palette windows|dos|declared|PAL] [--company COLOUR] "
     "[--base-set FILE] [--force]\n";
 
-enum class ExportKind : uint8_t { Picture, Bytes };
+enum class ExportKind : uint8_t { Picture, Sound, Bytes, Listing };
 
 // One file to write: its name in DIR and the sprite (and alternative) it comes from.
 struct ExportItem {
-  QString Name;
+  std::string Name;
   int32_t Sprite = 0;        // from 0
   int32_t Alternative = -1;  // among the sprite's alternatives; -1 for a pseudo-sprite
   ExportKind Kind = ExportKind::Picture;
 };
 
-// What one file holds: a picture with the sprite's offsets, or bytes. A null picture of a
-// Picture item gives no file: it has no pixels, or could not be decoded for `Problem`.
+// What one file holds. An empty Picture item gives no file: it has no pixels, or could not be
+// decoded for `Problem`.
 struct ExportContent {
-  QImage Picture;
-  int32_t XOffset = 0;
-  int32_t YOffset = 0;
-  QByteArray Bytes;
+  std::vector<uint8_t> Bytes;
+  bool Empty = false;
   std::string Problem;
-  int32_t Quality = -1;  // the PNG encoder's: -1 its default, up to 100 the fastest and largest
 };
 
 struct ExportTally {
   int32_t Pictures = 0;
+  int32_t Sounds = 0;
   int32_t ByteFiles = 0;
   int32_t WithoutPixels = 0;
   int32_t Undecoded = 0;
@@ -76,109 +77,129 @@ int NameDigits(int32_t count) {
   return digits;
 }
 
-QString NumberStem(int32_t index, int digits) {
-  return QString::number(index + 1).rightJustified(digits, QLatin1Char('0'));
+std::string NumberStem(int32_t index, int digits) {
+  return QString::number(index + 1).rightJustified(digits, QLatin1Char('0')).toStdString();
 }
 
-// A sprite's files: a pseudo-sprite as its bytes, and every alternative as its own file; the
-// 8-bit one at normal zoom, the only kind a file without alternatives has, under the number alone.
-void PlanSprite(const GrfFile& file, int32_t i, const QString& stem, std::vector<ExportItem>& items,
-                ExportTally& tally) {
+// A sound's own name as a file name in DIR: no folders, and ending in .wav.
+std::string SoundFileName(const std::string& name, int32_t sprite, int digits) {
+  std::string base = QFileInfo(QString::fromStdString(name)).fileName().toStdString();
+  if (base.empty() || base == "." || base == "..") base = NumberStem(sprite, digits);
+  if (!QString::fromStdString(base).endsWith(QStringLiteral(".wav"), Qt::CaseInsensitive))
+    base += ".wav";
+  return base;
+}
+
+// A sprite's files: every alternative as its own file, the 8-bit one at normal zoom (the only kind
+// a file without alternatives has) under the number alone; a named sound as its WAV file. The
+// NFO listing names each picture's file.
+void PlanSprite(const GrfFile& file, const FileReading& reading, int32_t i, int digits,
+                std::vector<ExportItem>& items, std::vector<NfoAlternative>& listed,
+                std::set<std::string>& taken, ExportTally& tally) {
+  const std::string stem = NumberStem(i, digits);
+  const SpriteRole& role = reading.Actions.Sprites[static_cast<size_t>(i)];
+  const bool sound = role.Kind == RoleKind::Sound && role.Sound == SoundForm::Named;
+  listed = NfoAlternativesOf(file, i);
   const int32_t count = AlternativeCount(file, i);
   if (count == 0) {
-    if (FactsOf(file, i, -1).Kind == SpriteKind::Pseudo)
-      items.push_back({stem + QStringLiteral(".bin"), i, -1, ExportKind::Bytes});
-    else
-      ++tally.WithoutPixels;
+    if (sound && taken.insert(SoundFileName(role.SoundName, i, digits)).second)
+      items.push_back({SoundFileName(role.SoundName, i, digits), i, -1, ExportKind::Sound});
+    if (FactsOf(file, i, -1).Kind != SpriteKind::Pseudo) ++tally.WithoutPixels;
     return;
   }
-  QStringList taken;
   for (int32_t k = 0; k < count; ++k) {
     const AlternativeInfo a = AlternativeOf(file, i, k);
-    QString name = stem;
-    if (!a.Data && (a.Zoom != kZoomNormal || a.Depth != 8))
-      name += QLatin1Char('-') +
-              QString::fromStdString(AlternativeText(a)).replace(QLatin1Char(' '), '-');
+    std::string name = stem;
+    if (!a.Data && (a.Zoom != kZoomNormal || a.Depth != 8)) {
+      std::string kind = AlternativeText(a);
+      std::replace(kind.begin(), kind.end(), ' ', '-');
+      name += "-" + kind;
+    }
     // Two alternatives of one kind keep apart by their place.
-    if (taken.contains(name)) name += QLatin1Char('-') + QString::number(k + 1);
-    taken << name;
+    if (taken.count(name + ".png") > 0 || taken.count(name + ".bin") > 0)
+      name += "-" + std::to_string(k + 1);
     const SpriteFacts f = FactsOf(file, i, k);
-    if (!a.Data && (f.Width <= 0 || f.Height <= 0))
+    if (a.Data) {
+      const bool named = sound && taken.insert(SoundFileName(role.SoundName, i, digits)).second;
+      name = named ? SoundFileName(role.SoundName, i, digits) : name + ".bin";
+      if (!named) taken.insert(name);
+      items.push_back({name, i, k, named ? ExportKind::Sound : ExportKind::Bytes});
+    } else if (f.Width <= 0 || f.Height <= 0) {
       ++tally.WithoutPixels;
-    else
-      items.push_back({name + (a.Data ? QStringLiteral(".bin") : QStringLiteral(".png")), i, k,
-                       a.Data ? ExportKind::Bytes : ExportKind::Picture});
+      continue;
+    } else {
+      name += ".png";
+      taken.insert(name);
+      items.push_back({name, i, k, ExportKind::Picture});
+    }
+    listed[static_cast<size_t>(k)].File = name;
   }
 }
 
-// The files of every sprite, in sprite order.
-std::vector<ExportItem> PlanFiles(const GrfFile& file, ExportTally& tally) {
+// Every file of the export, in sprite order, and the NFO listing's text.
+std::vector<ExportItem> PlanFiles(const GrfFile& file, const FileReading& reading,
+                                  const std::string& listingName, std::string& listing,
+                                  ExportTally& tally) {
   const int32_t count = SpriteCount(file);
   const int digits = NameDigits(count);
   std::vector<ExportItem> items;
-  for (int32_t i = 0; i < count; ++i) PlanSprite(file, i, NumberStem(i, digits), items, tally);
+  std::set<std::string> taken{listingName};
+  std::vector<NfoAlternative> listed;
+  for (int32_t i = 0; i < count; ++i) {
+    PlanSprite(file, reading, i, digits, items, listed, taken, tally);
+    listing += NfoText(file, reading, i, listed) + "\n";
+  }
+  items.push_back({listingName, -1, -1, ExportKind::Listing});
   return items;
 }
 
-// A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not
-// applied); pseudo-sprites and non-image data as their bytes.
-ExportContent SpriteContent(const GrfFile& file, const CliColours& colours,
-                            const ExportItem& item) {
+// The WAV file inside a sound sprite: behind FF, the name's length, the name and its 00.
+std::vector<uint8_t> WavBytes(const std::vector<uint8_t>& sprite) {
+  if (sprite.size() < 2) return {};
+  size_t at = std::min(sprite.size(), size_t{2} + sprite[1]);
+  if (at < sprite.size() && sprite[at] == 0) ++at;
+  return std::vector<uint8_t>(sprite.begin() + static_cast<std::ptrdiff_t>(at), sprite.end());
+}
+
+// A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not applied),
+// as PNG with the offsets in its text chunks; sounds and other data as their bytes.
+ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
+                          const std::string& listing, const ExportItem& item) {
   ExportContent content;
+  if (item.Kind == ExportKind::Listing) {
+    content.Bytes.assign(listing.begin(), listing.end());
+    return content;
+  }
+  if (item.Kind != ExportKind::Picture) {
+    SpriteBytes(file, item.Sprite, item.Alternative, content.Bytes);
+    if (item.Kind == ExportKind::Sound) content.Bytes = WavBytes(content.Bytes);
+    return content;
+  }
   SpritePicture picture;
   const GrfResult result = PictureOf(file, item.Sprite, item.Alternative, picture);
   if (result != GrfResult::Ok) {
     content.Problem = "sprite " + std::to_string(item.Sprite + 1) + ": " +
                       PictureProblem(file, item.Sprite, item.Alternative, result);
+    content.Empty = true;
     return content;
   }
-  if (item.Kind == ExportKind::Bytes) {
-    content.Bytes = QByteArray(reinterpret_cast<const char*>(picture.Indices.data()),
-                               static_cast<qsizetype>(picture.Indices.size()));
-    return content;
-  }
-  content.Picture = CliPicture(picture, colours);
-  content.XOffset = picture.XOffset;
-  content.YOffset = picture.YOffset;
+  const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
+                       {kYOffsetKey, std::to_string(picture.YOffset)}};
+  content.Empty = !EncodePng(CliPicture(picture, colours), texts, content.Bytes);
   return content;
-}
-
-// Writes the whole file under a temporary name and renames it into place, so that a failure
-// never leaves a part of it. False with the reason in `error`.
-bool WriteAtomically(const QString& path, const ExportContent& content, QString& error) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) {
-    error = file.errorString();
-    return false;
-  }
-  bool written = false;
-  if (content.Picture.isNull()) {
-    written = file.write(content.Bytes) == content.Bytes.size();
-  } else {
-    QImage picture = content.Picture;
-    picture.setText(QString::fromLatin1(kXOffsetKey), QString::number(content.XOffset));
-    picture.setText(QString::fromLatin1(kYOffsetKey), QString::number(content.YOffset));
-    written = picture.save(&file, "PNG", content.Quality);
-  }
-  if (!written) {
-    error = file.error() != QFileDevice::NoError ? file.errorString()
-                                                 : QStringLiteral("the PNG encoder failed");
-    return false;  // the temporary file goes with `file`
-  }
-  if (!file.commit()) {
-    error = file.errorString();
-    return false;
-  }
-  return true;
 }
 
 // The first planned file that is there already, and how many are; an empty name when none is.
 QString FirstExisting(const QDir& dir, const std::vector<ExportItem>& items, int32_t& count) {
+  // One listing of the folder rather than a look-up per file.
+  const QStringList listed =
+      dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System, QDir::Unsorted);
+  const QSet<QString> there(listed.begin(), listed.end());
   QString first;
   count = 0;
   for (const ExportItem& item : items) {
-    if (!QFileInfo::exists(dir.filePath(item.Name))) continue;
-    if (count++ == 0) first = dir.filePath(item.Name);
+    if (!there.contains(QString::fromStdString(item.Name))) continue;
+    if (count++ == 0) first = dir.filePath(QString::fromStdString(item.Name));
   }
   return first;
 }
@@ -214,75 +235,75 @@ class ProgressLine {
 
 using ContentFn = std::function<ExportContent(const ExportItem&)>;
 
-// A file waits on the disk for a while before it is complete (QSaveFile syncs it), so several
-// writers work at once.
-constexpr int kWriters = 8;
-
-// What the writers share; the lock guards everything behind it.
+// What the workers share; the lock guards everything behind it.
 struct WriteRun {
   std::atomic<size_t> Next{0};
+  std::atomic<bool> Failed{false};
   std::mutex Lock;
   ExportTally Tally;
   int32_t Done = 0;
-  bool Failed = false;
-  QString FailedPath, Error;
+  std::string Error;  // the first failure's message
 };
 
-void WriteSome(const QDir& dir, const std::vector<ExportItem>& items, const ContentFn& contentOf,
-               ProgressLine& progress, WriteRun& run) {
-  for (size_t i = run.Next++; i < items.size(); i = run.Next++) {
-    {
-      const std::lock_guard lock(run.Lock);
-      if (run.Failed) return;
-    }
+void WriteSome(WriteFolder& folder, const std::vector<ExportItem>& items,
+               const ContentFn& contentOf, ProgressLine& progress, WriteRun& run) {
+  for (size_t i = run.Next++; i < items.size() && !run.Failed; i = run.Next++) {
     const ExportItem& item = items[i];
     const ExportContent content = contentOf(item);
-    const bool empty = item.Kind == ExportKind::Picture && content.Picture.isNull();
-    QString error;
-    const bool written = empty || WriteAtomically(dir.filePath(item.Name), content, error);
+    WriteFailure failure;
+    std::string error;
+    if (!content.Empty &&
+        !WriteWhole(folder, item.Name, content.Bytes.data(), content.Bytes.size(), failure))
+      error = WriteFailureText(failure);
     const std::lock_guard lock(run.Lock);
     if (!content.Problem.empty()) {
       progress.Say(content.Problem);
       ++run.Tally.Undecoded;
       continue;
     }
-    if (!written) {
-      if (!run.Failed) {
-        run.FailedPath = dir.filePath(item.Name);
-        run.Error = error;
-      }
-      run.Failed = true;
+    if (!error.empty()) {
+      if (!run.Failed.exchange(true)) run.Error = error;
       return;
     }
-    ++(empty                              ? run.Tally.WithoutPixels
+    ++(content.Empty                      ? run.Tally.WithoutPixels
        : item.Kind == ExportKind::Picture ? run.Tally.Pictures
+       : item.Kind == ExportKind::Sound   ? run.Tally.Sounds
                                           : run.Tally.ByteFiles);
     progress.Step(++run.Done);
   }
 }
 
-// Writes every item, each complete or not at all. False when one cannot be written, with its
-// path and the reason; the files written before stay, and no new one is begun.
-bool WriteItems(const QDir& dir, const std::vector<ExportItem>& items, const ContentFn& contentOf,
-                ExportTally& tally, QString& failed, QString& error) {
+// Encodes and writes every item on all cores, then puts them in place after one sync. On the
+// first failure the workers stop and what this run began is removed; false with the message.
+bool WriteItems(WriteFolder& folder, const std::vector<ExportItem>& items,
+                const ContentFn& contentOf, ExportTally& tally, std::string& error) {
   WriteRun run;
   run.Tally = tally;
   {
     ProgressLine progress(static_cast<int32_t>(items.size()));
-    std::vector<std::jthread> writers;
-    for (int k = 0; k < kWriters; ++k)
-      writers.emplace_back([&] { WriteSome(dir, items, contentOf, progress, run); });
+    std::vector<std::jthread> workers(std::max(1U, std::thread::hardware_concurrency()));
+    for (std::jthread& worker : workers)
+      worker = std::jthread([&] { WriteSome(folder, items, contentOf, progress, run); });
   }
+  WriteFailure failure;
+  if (!run.Failed && !PlaceWritten(folder, failure)) {
+    run.Failed = true;
+    run.Error = WriteFailureText(failure);
+  }
+  if (run.Failed) UndoWritten(folder);
   tally = run.Tally;
-  failed = run.FailedPath;
   error = run.Error;
   return !run.Failed;
 }
 
 void PrintSummary(const ExportTally& tally, int32_t sprites, const QString& dir) {
-  std::printf("Wrote %d files for %d sprites to %s: %d PNG, %d BIN",
-              tally.Pictures + tally.ByteFiles, sprites, qPrintable(dir), tally.Pictures,
-              tally.ByteFiles);
+  // The listing is one of the files, and counted apart.
+  std::printf("Wrote %d files for %d sprites to %s: %d PNG",
+              tally.Pictures + tally.Sounds + tally.ByteFiles, sprites, qPrintable(dir),
+              tally.Pictures);
+  if (tally.Sounds > 0) std::printf(", %d WAV", tally.Sounds);
+  if (tally.ByteFiles > 1) std::printf(", %d BIN", tally.ByteFiles - 1);
+  std::printf(", 1 NFO");
   if (tally.WithoutPixels > 0) std::printf("; %d without pixels have no file", tally.WithoutPixels);
   if (tally.Undecoded > 0) std::printf("; %d could not be decoded", tally.Undecoded);
   std::printf("\n");
@@ -321,8 +342,13 @@ int CmdExport(const std::vector<std::string>& args) {
   CliColours colours;
   if (const int status = ChooseColours(file, values, true, colours); status != kExitOk)
     return status;
+  FileReading reading;
+  ReadFileActions(file, reading);
   ExportTally tally;
-  const std::vector<ExportItem> items = PlanFiles(file, tally);
+  std::string listing;
+  const std::string listingName =
+      QFileInfo(QString::fromStdString(fileName)).completeBaseName().toStdString() + ".nfo";
+  const std::vector<ExportItem> items = PlanFiles(file, reading, listingName, listing, tally);
 
   const QDir dir(dirName);
   int32_t existing = 0;
@@ -340,28 +366,50 @@ int CmdExport(const std::vector<std::string>& args) {
                  std::strerror(reason));
     return kExitFailure;
   }
-
-  QString failed, error;
+  WriteFolder folder;
+  WriteFailure failure;
+  if (!OpenWriteFolder(dirName.toLocal8Bit().toStdString(), folder, failure)) {
+    std::fprintf(stderr, "vossel-cli: %s\n", WriteFailureText(failure).c_str());
+    return kExitFailure;
+  }
+  // Past a file size limit a write is to fail with its reason, not to end the program.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::string error;
   const bool done = WriteItems(
-      dir, items, [&](const ExportItem& item) { return SpriteContent(file, colours, item); }, tally,
-      failed, error);
-  if (!done)
-    std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", qPrintable(failed),
-                 qPrintable(error));
+      folder, items,
+      [&](const ExportItem& item) { return ItemContent(file, colours, listing, item); }, tally,
+      error);
+  CloseWriteFolder(folder);
+  if (!done) {
+    std::fprintf(stderr, "vossel-cli: %s\n", error.c_str());
+    return kExitFailure;
+  }
   PrintSummary(tally, SpriteCount(file), dirName);
-  return done ? LoadStatus(file) : kExitFailure;
+  return LoadStatus(file);
 }
 
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
-                  std::string& error, int32_t quality) {
-  ExportContent content;
-  content.Quality = quality;
-  content.Picture = picture;
-  content.XOffset = x;
-  content.YOffset = y;
-  QString why;
-  const bool written = WriteAtomically(QFile::decodeName(path.c_str()), content, why);
-  error = why.toStdString();
+                  std::string& error) {
+  std::vector<uint8_t> png;
+  if (!EncodePng(picture, {{kXOffsetKey, std::to_string(x)}, {kYOffsetKey, std::to_string(y)}},
+                 png)) {
+    error = "the PNG encoder failed";
+    return false;
+  }
+  const QFileInfo target(QFile::decodeName(path.c_str()));
+  WriteFolder folder;
+  WriteFailure failure;
+  std::signal(SIGXFSZ, SIG_IGN);
+  const bool written =
+      OpenWriteFolder(target.absolutePath().toLocal8Bit().toStdString(), folder, failure) &&
+      WriteWhole(folder, target.fileName().toLocal8Bit().toStdString(), png.data(), png.size(),
+                 failure) &&
+      PlaceWritten(folder, failure);
+  if (!written) {
+    UndoWritten(folder);
+    error = std::strerror(failure.ErrorNumber);
+  }
+  CloseWriteFolder(folder);
   return written;
 }
 

@@ -29,7 +29,6 @@ const char kSheetUsage[] =
 constexpr int32_t kMaxSheetSide = 8192;
 constexpr int32_t kDefaultColumns = 16;
 // A light compression: a sheet is large, and the encoder's default costs four times as long.
-constexpr int32_t kSheetQuality = 85;
 
 int UsageError(const std::string& why) {
   std::fprintf(stderr, "vossel-cli: %s\n%s", why.c_str(), kSheetUsage);
@@ -218,8 +217,7 @@ int CmdSheet(const std::vector<std::string>& args) {
     w.Last = sprites.back();
     w.Sheet = PaintSheet(layout, entries, sprites,
                          CellPictures(file, entries, sprites, look, layout.Cell, problems));
-    w.Thread =
-        std::jthread([&w] { w.Ok = WritePngFile(w.Name, w.Sheet, 0, 0, w.Error, kSheetQuality); });
+    w.Thread = std::jthread([&w] { w.Ok = WritePngFile(w.Name, w.Sheet, 0, 0, w.Error); });
   }
   for (; !writes.empty(); writes.pop_front()) written = Finish(writes.front()) && written;
   if (!written) return kExitFailure;

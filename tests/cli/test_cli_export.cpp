@@ -1,14 +1,24 @@
 // vossel-cli export and sprite --png, run as the real binary; what they write is read back and
 // compared with the engine's store, or the pixels our writer put in, seen through the palette file.
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <iterator>
+#include <random>
+#include <thread>
 
 #include <QImage>
 
+#include "actions.h"
 #include "grf.h"
 #include "grf_writer.h"
 #include "palette.h"
@@ -54,14 +64,29 @@ void ExpectPicture(const fs::path& path, int width, int height, int x, int y,
       ASSERT_EQ(png.pixel(column, row), colour(column, row)) << path << " " << column << "," << row;
 }
 
-// The file of version-1 sprite `index` of the store: its bytes, or its pixels and offsets.
+// A pseudo-sprite's bytes as the export's NFO listing gives them.
+Bytes ListedBytes(const fs::path& dir, size_t index) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
+    if (entry.path().extension() != ".nfo") continue;
+    std::ifstream in(entry.path());
+    const std::string head = std::to_string(index) + " * ";
+    for (std::string line; std::getline(in, line);) {
+      if (line.rfind(head, 0) != 0) continue;
+      return ParseNfoBytes(line.substr(line.find(' ', head.size()) + 1)).value_or(Bytes{});
+    }
+  }
+  return {};
+}
+
+// The file of version-1 sprite `index` of the store: its bytes in the listing, or its pixels and
+// offsets.
 void ExpectSprite(const fs::path& dir, const SpriteStore& store, size_t index) {
   const SpriteRecord& r = store.SpriteTable[index];
   const uint8_t* bytes = store.SpriteData.data() + r.DataOffset;
   std::string stem = std::to_string(index + 1);
   stem.insert(0, stem.size() < 4 ? 4 - stem.size() : 0, '0');
   if (r.Flags == kActionFlags)
-    EXPECT_EQ(ReadAll(dir / (stem + ".bin")), Bytes(bytes, bytes + r.Size)) << stem;
+    EXPECT_EQ(ListedBytes(dir, index), Bytes(bytes, bytes + r.Size)) << stem;
   else
     ExpectPicture(dir / (stem + ".png"), r.Width, r.Height, r.XOffset, r.YOffset,
                   [&](int x, int y) { return Colour(bytes[y * r.Width + x]); });
@@ -73,6 +98,44 @@ SpriteStore Load(const Bytes& bytes) {
   return store;
 }
 
+// `count` sprites of random pixels, which hardly compress: 16 x 16, every 50th 64 x 64.
+Bytes NoisyFile(int count) {
+  std::mt19937 rng(7);
+  std::vector<Bytes> records;
+  for (int i = 0; i < count; ++i) {
+    const uint8_t side = i % 50 == 49 ? 64 : 16;
+    Bytes pixels(size_t{side} * side);
+    for (uint8_t& p : pixels) p = static_cast<uint8_t>(rng());
+    records.push_back(grfw::PlainSprite(side, side, pixels, int16_t(i % 9), -4, 0, false));
+  }
+  return grfw::FileOf(records);
+}
+
+bool Hidden(const fs::path& path) {
+  return path.filename().string().front() == '.';
+}
+
+// Every file under its own name holds its sprite whole; gives how many there are.
+size_t ExpectWholeFiles(const fs::path& dir, const SpriteStore& store) {
+  size_t count = 0;
+  for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
+    if (Hidden(entry.path()) || entry.path().extension() == ".nfo") continue;
+    ExpectSprite(dir, store, std::stoul(entry.path().stem().string()) - 1);
+    ++count;
+  }
+  return count;
+}
+
+// Exit 1 naming a file of DIR and the system's reason, and nothing left that the run began.
+void ExpectStoppedAndTidy(const CliRun& run, const fs::path& dir, int error) {
+  EXPECT_EQ(run.Status, 1);
+  EXPECT_NE(run.Err.find("vossel-cli: cannot write '" + dir.string() + "/"), std::string::npos)
+      << run.Err;
+  EXPECT_NE(run.Err.find(std::string("': ") + std::strerror(error) + "\n"), std::string::npos)
+      << run.Err;
+  EXPECT_TRUE(fs::is_empty(dir)) << std::distance(fs::directory_iterator(dir), {});
+}
+
 }  // namespace
 
 TEST(CliExport, RealFileReadsBackAsTheStoreThroughThePalette) {
@@ -82,7 +145,9 @@ TEST(CliExport, RealFileReadsBackAsTheStoreThroughThePalette) {
   const size_t count = store.SpriteTable.size();
   const fs::path dir = FreshFolder("export-real");
   ASSERT_EQ(RunCli({"export", real.string(), dir.string(), "--palette", "windows"}).Status, 0);
-  EXPECT_EQ(size_t(std::distance(fs::directory_iterator(dir), {})), count);
+  size_t pictures = 0;
+  for (const SpriteRecord& r : store.SpriteTable) pictures += r.Flags != kActionFlags;
+  EXPECT_EQ(size_t(std::distance(fs::directory_iterator(dir), {})), pictures + 1);
   for (size_t i = 0; i < count; i += 37) ExpectSprite(dir, store, i);
   ExpectSprite(dir, store, count - 1);
   fs::remove_all(dir);
@@ -94,20 +159,22 @@ TEST(CliExport, AFileThatIsThereStaysUntouchedUnlessForcedAndAFailureLeavesWhole
   const std::string grf = grfw::WriteTemp("three.grf", three);
   const fs::path dir = FreshFolder("export-existing");
   fs::create_directories(dir);
-  std::ofstream(dir / "0002.bin") << "mine";
+  std::ofstream(dir / "three.nfo") << "mine";
   EXPECT_EQ(RunCli({"export", grf, dir.string()}).Status, 1);
-  EXPECT_EQ(ReadAll(dir / "0002.bin"), Bytes({'m', 'i', 'n', 'e'}));
+  EXPECT_EQ(ReadAll(dir / "three.nfo"), Bytes({'m', 'i', 'n', 'e'}));
   EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 1);
-  // A folder cannot be replaced by a picture. Writers beside the failing one may finish theirs.
+  // A folder cannot be replaced by a picture; the files put in place before it are removed.
   fs::create_directory(dir / "0003.png");
   EXPECT_EQ(RunCli({"export", grf, dir.string(), "--force"}).Status, 1);
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 2);  // the listing, not yet placed
+  EXPECT_EQ(ReadAll(dir / "three.nfo"), Bytes({'m', 'i', 'n', 'e'}));
   const SpriteStore store = Load(three);
   for (const fs::directory_entry& entry : fs::directory_iterator(dir))
-    if (entry.path().filename() != "0003.png")
+    if (entry.path().filename() != "0003.png" && entry.path().extension() != ".nfo")
       ExpectSprite(dir, store, std::stoul(entry.path().stem().string()) - 1);
   fs::remove(dir / "0003.png");
   EXPECT_EQ(RunCli({"export", grf, dir.string(), "--force"}).Status, 0);
-  EXPECT_EQ(ReadAll(dir / "0002.bin"), Bytes({9, 8, 7}));
+  EXPECT_EQ(ListedBytes(dir, 1), Bytes({9, 8, 7}));
 }
 
 // Every alternative of a version-2 sprite in its own file, the mask beside RGB left out; and
@@ -127,7 +194,7 @@ TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
   ExpectPicture(dir / "0001-32bpp-normal.png", 1, 1, 0, -3,
                 [](int, int) { return qRgba(10, 20, 30, 40); });
   ExpectPicture(dir / "0001-32bpp-in4.png", 1, 1, 4, 5, [](int, int) { return qRgb(1, 2, 3); });
-  EXPECT_EQ(ReadAll(dir / "0002.bin"), Bytes({9, 8}));
+  EXPECT_EQ(ListedBytes(dir, 1), Bytes({9, 8}));
   const std::pair<const char*, std::vector<std::string>> chosen[] = {
       {"0001.png", {"--depth", "8"}},
       {"0001-32bpp-normal.png", {}},
@@ -142,4 +209,87 @@ TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
                   .convertToFormat(QImage::Format_ARGB32))
         << name;
   }
+}
+
+// A full disk (a small tmpfs, in a mount namespace of this test's own where the system allows
+// one) and a write past the file size limit: the export stops, says why and removes what it began.
+TEST(CliExport, AFailedWriteStopsWithTheReasonAndRemovesWhatWasBegun) {
+  const std::string grf = grfw::WriteTemp("noisy.grf", NoisyFile(700));
+  const fs::path disk = FreshFolder("export-full");
+  fs::create_directories(disk);
+  if (unshare(CLONE_NEWNS) == 0 &&
+      mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+      mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=2m") == 0) {
+    ExpectStoppedAndTidy(RunCli({"export", grf, (disk / "out").string()}), disk / "out", ENOSPC);
+    umount(disk.c_str());
+  } else {
+    std::cout << "No tmpfs can be mounted here (" << std::strerror(errno)
+              << "): the full disk is checked through the file size limit alone.\n";
+  }
+  // 16 x 16 pictures fit under the limit, 64 x 64 ones do not.
+  rlimit saved{};
+  getrlimit(RLIMIT_FSIZE, &saved);
+  rlimit limit = saved;
+  limit.rlim_cur = 2048;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+  const CliRun run = RunCli({"export", grf, (disk / "limited").string()});
+  setrlimit(RLIMIT_FSIZE, &saved);
+  ExpectStoppedAndTidy(run, disk / "limited", EFBIG);
+  fs::remove_all(disk);
+}
+
+// Killed while it writes, and again while it puts the files in place: no file under its own name
+// is cut. The next run removes the temporary files the killed ones left.
+TEST(CliExport, AKilledExportLeavesNoCutFile) {
+  const Bytes noisy = NoisyFile(500);
+  const std::string grf = grfw::WriteTemp("many.grf", noisy);
+  const SpriteStore store = Load(noisy);
+  const fs::path dir = FreshFolder("export-killed");
+  // The first file appears under a temporary name, and at the end 0001.png is placed first.
+  const auto killWhenThere = [&](const fs::path& there) {
+    const pid_t child = StartCli({"export", grf, dir.string(), "--force"},
+                                 "/tmp/vossel-cli-killed-" + std::to_string(getpid()));
+    int status = 0;
+    std::error_code ignored;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+      const bool seen = there == dir
+                            ? fs::directory_iterator(dir, ignored) != fs::directory_iterator()
+                            : fs::exists(there, ignored);
+      if (seen) {
+        kill(child, SIGKILL);
+        waitpid(child, &status, 0);
+        break;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return status;
+  };
+  EXPECT_TRUE(WIFSIGNALED(killWhenThere(dir)));
+  ExpectWholeFiles(dir, store);
+  killWhenThere(dir / "0001.png");
+  ExpectWholeFiles(dir, store);
+  ASSERT_EQ(RunCli({"export", grf, dir.string(), "--force"}).Status, 0);
+  EXPECT_EQ(ExpectWholeFiles(dir, store), store.SpriteTable.size());
+  EXPECT_EQ(size_t(std::distance(fs::directory_iterator(dir), {})), store.SpriteTable.size() + 1);
+  fs::remove_all(dir);
+}
+
+// A sound sprite behind Action 11 is written as the WAV file it holds, under its own name, and
+// the listing names each picture's file.
+TEST(CliExport, SoundsAsTheirWavFilesAndTheListingNamesThePictures) {
+  const Bytes wav = {'R', 'I', 'F', 'F', 4, 0, 0, 0, 'W', 'A', 'V', 'E'};
+  Bytes sound = {0xFF, 8, 'h', 'o', 'r', 'n', '.', 'w', 'a', 'v', 0};
+  sound.insert(sound.end(), wav.begin(), wav.end());
+  const std::string grf = grfw::WriteTemp(
+      "sounds.grf", grfw::File({grfw::ActionRecord({0x11, 1, 0}), grfw::ActionRecord(sound),
+                                grfw::PlainSprite(1, 1, {5}, 2, 3)}));
+  const fs::path dir = FreshFolder("export-sounds");
+  const CliRun run = RunCli({"export", grf, dir.string()});
+  EXPECT_EQ(run.Status, 0);
+  EXPECT_NE(run.Out.find(": 1 PNG, 1 WAV, 1 NFO\n"), std::string::npos) << run.Out;
+  EXPECT_EQ(ReadAll(dir / "horn.wav"), wav);
+  const Bytes listing = ReadAll(dir / "sounds.nfo");
+  EXPECT_NE(std::string(listing.begin(), listing.end()).find("2 8bpp normal 1x1 at 2,3 0003.png"),
+            std::string::npos);
+  fs::remove_all(dir);
 }

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -14,10 +15,12 @@ struct CliRun {
   std::string Out, Err;
 };
 
-inline CliRun RunCli(std::vector<std::string> args) {
-  const std::string base = "/tmp/vossel-cli-" + std::to_string(getpid());
+// Starts vossel-cli with its output going to `base`.out and .err; gives its process id.
+inline pid_t StartCli(std::vector<std::string> args, const std::string& base) {
   args.insert(args.begin(), VOSSEL_CLI_PATH);
-  if (fork() == 0) {
+  std::fflush(nullptr);  // else the child writes out what this process has buffered, twice
+  const pid_t child = fork();
+  if (child == 0) {
     std::vector<char*> argv;
     for (std::string& a : args) argv.push_back(a.data());
     argv.push_back(nullptr);
@@ -26,8 +29,13 @@ inline CliRun RunCli(std::vector<std::string> args) {
       execv(argv[0], argv.data());
     _exit(127);
   }
+  return child;
+}
+
+inline CliRun RunCli(std::vector<std::string> args) {
+  const std::string base = "/tmp/vossel-cli-" + std::to_string(getpid());
   int status = 0;
-  wait(&status);
+  waitpid(StartCli(std::move(args), base), &status, 0);
   CliRun run;
   run.Status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   std::stringstream out, err;
