@@ -53,6 +53,27 @@ constexpr int64_t kSpriteHeadSize = 10;
 
 RecordHead ReadRecordHead(const Reader& file, int64_t pos, const WalkRules& rules);
 
+// The head of a record whose ten bytes lie in the file, as most do, read without a check a field.
+inline bool ReadWholeHead(const Reader& file, int64_t pos, RecordHead& head) {
+  if (!Fits(pos, kSpriteHeadSize, file.End)) return false;
+  const uint8_t* p = file.Data + pos;
+  head.Word = static_cast<int16_t>(p[0] | (p[1] << 8));
+  head.Flags = p[2];
+  if (head.Word == 0) {
+    head.Kind = HeadKind::End;
+  } else if (head.Flags == kActionFlags) {
+    head.Kind = HeadKind::Action;
+  } else {
+    head.Kind = HeadKind::Sprite;
+    head.HeaderFits = true;
+    head.Height = p[3];
+    head.Width = static_cast<int16_t>(p[4] | (p[5] << 8));
+    head.XOffset = static_cast<int16_t>(p[6] | (p[7] << 8));
+    head.YOffset = static_cast<int16_t>(p[8] | (p[9] << 8));
+  }
+  return true;
+}
+
 // Bytes a chunk decodes to, and bytes it takes in the file.
 inline int32_t ChunkLength(uint8_t c) {
   if (c & 0x80) return 32 - (c >> 3);
@@ -70,7 +91,16 @@ enum class StepEnd : uint8_t {
 // Steps over the chunks of a stream from `pos` (moved behind them) until `size` bytes are
 // decoded. Reads only control bytes, each inside the file; the last data chunk may reach past
 // its end, which the caller judges.
-StepEnd StepChunks(const Reader& file, int64_t& pos, int64_t size);
+inline StepEnd StepChunks(const Reader& file, int64_t& pos, int64_t size) {
+  int64_t left = size;
+  while (left > 0) {
+    if (pos < 0 || pos >= file.End) return StepEnd::FileEnd;
+    const uint8_t c = file.Data[pos];
+    left -= ChunkLength(c);
+    pos += ChunkStep(c);
+  }
+  return left == 0 ? StepEnd::Exact : StepEnd::Overshoot;
+}
 
 // How a walk over the records ended: the records taken in, and whether the one behind them was
 // refused (the loader's "Error! Out of buffer size!").
@@ -98,7 +128,8 @@ WalkOutcome WalkRecords(const Reader& file, const WalkRules& rules, int32_t maxR
   WalkOutcome out;
   int64_t pos = 0;
   while ((out.Position = pos) < file.End) {
-    WalkedRecord r{pos, pos, ReadRecordHead(file, pos, rules), false};
+    WalkedRecord r{pos, pos, {}, false};
+    if (!ReadWholeHead(file, pos, r.Head)) r.Head = ReadRecordHead(file, pos, rules);
     if (r.Head.Kind == HeadKind::End) return out;
     if (r.Head.Kind == HeadKind::Cut || out.Count == maxRecords) {
       out.Refused = true;
