@@ -8,18 +8,8 @@
 
 namespace vossel {
 
-namespace {
-
-bool OneFile(const char* command, const std::vector<std::string>& args) {
-  if (ParseCommand(args, 1, {}).Error.empty()) return true;
-  std::fprintf(stderr, "Usage: vossel-cli %s FILE\n", command);
-  return false;
-}
-
-}  // namespace
-
 int CmdAbout(const std::vector<std::string>& args) {
-  if (!OneFile("about", args)) return kExitUsage;
+  if (!OneFileArgument("about", args)) return kExitUsage;
   GrfFile file;
   if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   FileReading reading;
@@ -31,7 +21,7 @@ int CmdAbout(const std::vector<std::string>& args) {
 }
 
 int CmdNfo(const std::vector<std::string>& args) {
-  if (!OneFile("nfo", args)) return kExitUsage;
+  if (!OneFileArgument("nfo", args)) return kExitUsage;
   GrfFile file;
   if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   FileReading reading;

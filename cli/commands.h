@@ -58,6 +58,9 @@ int ChooseColours(const GrfFile& file, const std::map<std::string, std::string>&
 // A picture in those colours.
 QImage CliPicture(const SpritePicture& picture, const CliColours& colours);
 
+// Usage of a command that takes FILE alone; false after printing the usage line.
+bool OneFileArgument(const char* command, const std::vector<std::string>& args);
+
 // True for a text that reads as a whole number (a number out of range included).
 bool IsSpriteNumberText(const std::string& text);
 

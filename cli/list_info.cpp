@@ -8,17 +8,17 @@ namespace vossel {
 
 namespace {
 
-bool OneFileArgument(const char* command, const std::vector<std::string>& args) {
-  if (ParseCommand(args, 1, {}).Error.empty()) return true;
-  std::fprintf(stderr, "Usage: vossel-cli %s FILE\n", command);
-  return false;
-}
-
 std::string RowLine(const SpriteRowTexts& row) {
   return row.Number + '\t' + row.Width + '\t' + row.Height + '\t' + row.Size + '\t' + row.Flags;
 }
 
 }  // namespace
+
+bool OneFileArgument(const char* command, const std::vector<std::string>& args) {
+  if (ParseCommand(args, 1, {}).Error.empty()) return true;
+  std::fprintf(stderr, "Usage: vossel-cli %s FILE\n", command);
+  return false;
+}
 
 int CmdList(const std::vector<std::string>& args) {
   if (!OneFileArgument("list", args)) return kExitUsage;
