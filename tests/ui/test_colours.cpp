@@ -54,23 +54,29 @@ TEST(Colours, TheWindowDrawsAsTheCliForEveryChoiceOnBothContainers) {
   }
 }
 
-TEST(Colours, SpritesOfDifferentSizeMeetAtTheOrigin) {
+TEST(Colours, SpritesOfDifferentSizeMeetAtTheOriginInBothContainers) {
   // Index 200 marks where each sprite's offsets point: pixel (2, 2) of the first, (5, 1) of the
   // second.
   grfw::Bytes small(16, 1), large(48, 3);
   small[2 * 4 + 2] = 200;
   large[1 * 8 + 5] = 200;
-  uitest::StartedForm form;
-  form.Load("origin.grf", grfw::File({grfw::PlainSprite(4, 4, small, -2, -2),
-                                      grfw::PlainSprite(8, 6, large, -5, -1)}));
-  form->mnuAlignOrigin->trigger();
-  form->mnuZoomIn->trigger();
-  form->mnuZoomIn->trigger();  // 3x: the marked pixel is a block around the crosshair
-  const QPoint origin = PictureOrigin(Left(form->scrSprite), ScaleHeight(form->picSprite), {});
-  for (int sprite : {0, 1}) {
-    form->scrSprite->SetValue(sprite);
-    EXPECT_EQ(QColor(form->picSprite->Image().pixel(origin + QPoint(1, 1))),
-              uitest::PaletteColour(*form, 200))
-        << sprite;
+  const grfw::Bytes files[] = {
+      grfw::File({grfw::PlainSprite(4, 4, small, -2, -2), grfw::PlainSprite(8, 6, large, -5, -1)}),
+      grfw::V2File({grfw::V2Ref(1), grfw::V2Ref(2)},
+                   {grfw::V2Sprite(1, {0x04, 0, 4, 4, -2, -2, small}),
+                    grfw::V2Sprite(2, {0x04, 0, 8, 6, -5, -1, large})})};
+  for (const grfw::Bytes& file : files) {
+    uitest::StartedForm form;
+    form.Load("origin.grf", file);
+    form->mnuAlignOrigin->trigger();
+    form->mnuZoomIn->trigger();
+    form->mnuZoomIn->trigger();  // 3x: the marked pixel is a block around the crosshair
+    const QPoint origin = PictureOrigin(Left(form->scrSprite), ScaleHeight(form->picSprite), {});
+    for (int sprite : {0, 1}) {
+      form->scrSprite->SetValue(sprite);
+      EXPECT_EQ(QColor(form->picSprite->Image().pixel(origin + QPoint(1, 1))),
+                uitest::PaletteColour(*form, 200))
+          << sprite;
+    }
   }
 }
