@@ -42,7 +42,7 @@ int CmdChunks(const std::vector<std::string>& args) {
       break;
   }
   // The problems the window shows in message boxes; the sprites before them stay listable.
-  const int64_t shown = std::min<int64_t>(file.ProblemCount, kV2ProblemMessages);
+  const int64_t shown = std::min<int64_t>(file.ProblemCount, kProblemMessages);
   for (int64_t i = 0; i < shown; ++i)
     FileError(args[0], ProblemText(file.Problems[static_cast<size_t>(i)]));
   if (file.ProblemCount > shown) FileError(args[0], MoreProblemsText(file.ProblemCount - shown));

@@ -99,7 +99,7 @@ void ShadeMaskedPixels(const uint8_t* rgba, const uint8_t* mask, size_t count,
   }
 }
 
-QImage ImageBitmapInColour(const GrfV2Image& image, const PaletteBuffer& palette,
+QImage ImageBitmapInColour(const SpritePicture& image, const PaletteBuffer& palette,
                            const RecolourMap& map) {
   QImage bitmap = ImageBitmap(image, palette);
   if (bitmap.isNull()) return bitmap;

@@ -9,7 +9,7 @@
 
 #include "baseset.h"
 #include "companymaps.h"
-#include "grf2.h"
+#include "grffile.h"
 #include "palette.h"
 
 namespace vossel {
@@ -63,7 +63,7 @@ void ShadeMaskedPixels(const uint8_t* rgba, const uint8_t* mask, size_t count,
 
 // ImageBitmap with company colours: an 8-bit image through the map, a 32-bit one with a mask by
 // ShadeMaskedPixels; a 32-bit image without a mask as ImageBitmap gives it.
-QImage ImageBitmapInColour(const GrfV2Image& image, const PaletteBuffer& palette,
+QImage ImageBitmapInColour(const SpritePicture& image, const PaletteBuffer& palette,
                            const RecolourMap& map);
 
 // A decoded picture as the game draws it: through the palette, and with `map` (when given) in a

@@ -165,7 +165,7 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
 
 QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
                       const PaletteBuffer& palette) {
-  if (width <= 0 || height <= 0 || width * height > kV2MaxImageBytes) return QImage();
+  if (width <= 0 || height <= 0 || width * height > kMaxPictureBytes) return QImage();
   QImage picture(static_cast<int>(width), static_cast<int>(height), QImage::Format_Indexed8);
   picture.setColorTable(PaletteColours(palette));
   for (int64_t y = 0; y < height; ++y)

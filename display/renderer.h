@@ -9,7 +9,7 @@
 #include <QPoint>
 
 #include "grf.h"
-#include "grf2.h"
+#include "grffile.h"
 #include "palette.h"
 
 namespace vossel {

@@ -240,6 +240,10 @@ bool DrawsDeclaredPalette(const GrfFile& file) {
   return Version2(file);
 }
 
+bool IsOpen(const GrfFile& file) {
+  return file.Container != 0;
+}
+
 int32_t SpriteCount(const GrfFile& file) {
   return file.Sprites;
 }

@@ -112,6 +112,12 @@ void CloseGrfFile(GrfFile& file);
 bool DrawsDeclaredPalette(const GrfFile& file);
 
 int32_t SpriteCount(const GrfFile& file);
+// Whether a file is open (it may hold no sprite).
+bool IsOpen(const GrfFile& file);
+
+// The largest picture any sprite may need, and how many of a load's problems are told one by one.
+constexpr int64_t kMaxPictureBytes = kV2MaxImageBytes;
+constexpr int64_t kProblemMessages = kV2ProblemMessages;
 int32_t AlternativeCount(const GrfFile& file, int32_t sprite);
 AlternativeInfo AlternativeOf(const GrfFile& file, int32_t sprite, int32_t alternative);
 // The alternative shown unless another is chosen: normal zoom, 32-bit before 8-bit, else the

@@ -41,7 +41,7 @@ void frmMain::mnuFollow_Click() {
 
 void frmMain::Reload() {
   if (loading_) return;
-  if (File.Container == 0) {  // since New
+  if (!IsOpen(File)) {  // since New
     Follower->Stop();
     return;
   }
@@ -63,7 +63,7 @@ void frmMain::Loaded() {
 }
 
 void frmMain::FileGone() {
-  if (File.Container == 0) {
+  if (!IsOpen(File)) {
     Follower->Stop();
     return;
   }
