@@ -1,5 +1,7 @@
 #include "filewrite.h"
 
+#include <atomic>
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
@@ -90,7 +92,9 @@ bool OpenWriteFolder(const std::string& path, WriteFolder& folder, WriteFailure&
 
 bool WriteWhole(WriteFolder& folder, const std::string& name, const void* bytes, size_t size,
                 WriteFailure& failure) {
-  std::string temporary = TemporaryName(folder.Serial++);
+  // Numbered across the process: several folders of one run may be written at once.
+  static std::atomic<uint32_t> serial{0};
+  std::string temporary = TemporaryName(serial++);
   const int fd =
       openat(folder.Descriptor, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (fd < 0) return Fail(failure, PathOf(folder, name), errno);

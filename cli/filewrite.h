@@ -29,8 +29,7 @@ struct PendingFile {
 struct WriteFolder {
   std::string Path;
   int32_t Descriptor = -1;
-  std::atomic<uint32_t> Serial{0};  // numbers the temporary names
-  std::mutex Lock;                  // guards the lists
+  std::mutex Lock;  // guards the lists
   std::vector<PendingFile> Pending;
   std::vector<std::string> Placed;  // names this run renamed into place
 };
