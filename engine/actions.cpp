@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "reader.h"
+
 namespace vossel {
 namespace {
 
@@ -19,7 +21,8 @@ struct Cursor {
 };
 
 bool Take(Cursor& c, uint64_t n) {
-  if (c.Cut || n > c.Size - c.At) {
+  if (c.Cut ||
+      !Fits(static_cast<int64_t>(c.At), static_cast<int64_t>(n), static_cast<int64_t>(c.Size))) {
     if (!c.Cut) c.Need = std::max(c.Need, c.At + n);
     c.Cut = true;
     return false;
@@ -33,11 +36,17 @@ bool Left(const Cursor& c) {
   return !c.Cut && c.At < c.Size;
 }
 
-// Little-endian value of n (at most 4) bytes.
+// Little-endian value of n (at most 4) bytes, through the one bounded reader.
 bool Raw(Cursor& c, uint64_t n, uint32_t& v) {
+  const auto at = static_cast<int64_t>(c.At);
   if (!Take(c, n)) return false;
+  const Reader bytes{c.Data, static_cast<int64_t>(c.Size)};
   v = 0;
-  for (uint64_t i = 0; i < n; ++i) v |= static_cast<uint32_t>(c.Data[c.At - n + i]) << (8 * i);
+  for (uint64_t i = 0; i < n; ++i) {
+    uint8_t b = 0;
+    vossel::U8(bytes, at + static_cast<int64_t>(i), b);
+    v |= static_cast<uint32_t>(b) << (8 * i);
+  }
   return true;
 }
 
