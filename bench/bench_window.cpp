@@ -118,7 +118,7 @@ void SheetFirstScreen(benchmark::State& state, const std::string& path) {
     state.ResumeTiming();
     SheetChoices choices;
     choices.Palette = w.Palette;
-    sheet.Attach(w.File, SheetRolesOf(w.Reading), 0, LookOf(choices));
+    sheet.Attach(w.File, w.Reading, 0, LookOf(choices));
     Settle(sheet);
   }
   state.counters["cells"] = static_cast<double>(sheet.Layout().Columns) *

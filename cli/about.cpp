@@ -11,9 +11,8 @@ namespace vossel {
 int CmdAbout(const std::vector<std::string>& args) {
   if (!OneFileArgument("about", args)) return kExitUsage;
   GrfFile file;
-  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   FileReading reading;
-  ReadFileActions(file, reading);
+  if (LoadForCli(args[0], file, &reading) != kExitOk) return kExitFailure;
   std::string out;
   for (const auto& [key, value] : IdentityFacts(file, reading)) out += key + ": " + value + "\n";
   std::fwrite(out.data(), 1, out.size(), stdout);
@@ -23,9 +22,8 @@ int CmdAbout(const std::vector<std::string>& args) {
 int CmdNfo(const std::vector<std::string>& args) {
   if (!OneFileArgument("nfo", args)) return kExitUsage;
   GrfFile file;
-  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
   FileReading reading;
-  ReadFileActions(file, reading);
+  if (LoadForCli(args[0], file, &reading) != kExitOk) return kExitFailure;
   std::string out;
   for (int32_t i = 0; i < SpriteCount(file); ++i)
     out += NfoText(file, reading, i, NfoAlternativesOf(file, i)) + "\n";

@@ -31,7 +31,8 @@ bool FindMaps(const GrfFile& file, const std::map<std::string, std::string>& val
 
 }  // namespace
 
-int ChooseColours(const GrfFile& file, const std::map<std::string, std::string>& values, bool load,
+int ChooseColours(const GrfFile& file, const FileReading& reading,
+                  const std::map<std::string, std::string>& values, bool load,
                   CliColours& colours) {
   PaletteChoice choice;
   if (const auto named = values.find("palette");
@@ -39,8 +40,6 @@ int ChooseColours(const GrfFile& file, const std::map<std::string, std::string>&
     std::fprintf(stderr, "vossel-cli: --palette takes windows, dos, declared or a file\n");
     return kExitUsage;
   }
-  FileReading reading;
-  ReadFileActions(file, reading);
   const PaletteDeclaration declared = DeclaredPaletteOf(reading);
   colours.PaletteText = PaletteChoiceText(choice, declared);
   if (load && LoadChosenPalette(choice, declared, colours.Palette) == 0) {

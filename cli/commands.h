@@ -24,7 +24,8 @@ constexpr int kExitUsage = 2;
 // each as "vossel-cli: FILE: ..."; a file that cannot be read or is too small gives kExitFailure
 // after saying so. A load with problems still gives kExitOk: the command shows what was read and
 // ends with LoadStatus.
-int LoadForCli(const std::string& fileName, GrfFile& file);
+// With `reading`, what the file says about itself is read too, once for the whole command.
+int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading = nullptr);
 // kExitFailure when the load reported a problem, else kExitOk.
 int LoadStatus(const GrfFile& file);
 // A failure about a file on standard error: "vossel-cli: FILE: text".
@@ -53,8 +54,8 @@ struct CliColours {
 // Reads --palette (windows, dos, declared or a palette file; declared by default), --company and
 // --base-set from `values`; the palette itself only when `load`. kExitOk, or the status after
 // saying why not.
-int ChooseColours(const GrfFile& file, const std::map<std::string, std::string>& values, bool load,
-                  CliColours& colours);
+int ChooseColours(const GrfFile& file, const FileReading& reading,
+                  const std::map<std::string, std::string>& values, bool load, CliColours& colours);
 // A picture in those colours.
 QImage CliPicture(const SpritePicture& picture, const CliColours& colours);
 

@@ -333,17 +333,16 @@ int CmdExport(const std::vector<std::string>& args) {
   const QString dirName = positional[1];
 
   GrfFile file;
-  if (LoadForCli(fileName, file) != kExitOk) return kExitFailure;
+  FileReading reading;
+  if (LoadForCli(fileName, file, &reading) != kExitOk) return kExitFailure;
   std::map<std::string, std::string> values;
   for (const QCommandLineOption* option : {&paletteOption, &companyOption, &baseSetOption})
     if (parser.isSet(*option))
       values[option->names().front().toStdString()] =
           parser.value(*option).toLocal8Bit().toStdString();
   CliColours colours;
-  if (const int status = ChooseColours(file, values, true, colours); status != kExitOk)
+  if (const int status = ChooseColours(file, reading, values, true, colours); status != kExitOk)
     return status;
-  FileReading reading;
-  ReadFileActions(file, reading);
   ExportTally tally;
   std::string listing;
   const std::string listingName =

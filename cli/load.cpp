@@ -11,7 +11,7 @@ void FileError(const std::string& fileName, const std::string& text) {
   std::fprintf(stderr, "vossel-cli: %s: %s\n", fileName.c_str(), text.c_str());
 }
 
-int LoadForCli(const std::string& fileName, GrfFile& file) {
+int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading) {
   const MessageFn say = [&fileName](const std::string& text) { FileError(fileName, text); };
   const OpenOutcome outcome = LoadGrfFile(fileName, file, say, say);
   if (outcome.End == OpenEnd::ReadFailure) {
@@ -23,6 +23,7 @@ int LoadForCli(const std::string& fileName, GrfFile& file) {
     say(outcome.Message);
     return kExitFailure;
   }
+  if (reading != nullptr) ReadFileActions(file, *reading);
   return kExitOk;
 }
 

@@ -164,7 +164,8 @@ int CmdSheet(const std::vector<std::string>& args) {
 
   const std::string& fileName = args[0];
   GrfFile file;
-  if (LoadForCli(fileName, file) != kExitOk) return kExitFailure;
+  FileReading reading;
+  if (LoadForCli(fileName, file, &reading) != kExitOk) return kExitFailure;
   const int32_t count = SpriteCount(file);
   int32_t first = 0, last = count - 1;
   if ((parsed.Values.count("first") > 0 &&
@@ -179,10 +180,11 @@ int CmdSheet(const std::vector<std::string>& args) {
   }
 
   CliColours colours;
-  if (const int status = ChooseColours(file, parsed.Values, true, colours); status != kExitOk)
+  if (const int status = ChooseColours(file, reading, parsed.Values, true, colours);
+      status != kExitOk)
     return status;
   const SheetLook look = CliLook(colours, wish);
-  const std::vector<SheetEntry> entries = SheetEntries(file, wish.Zoom, wish.Depth);
+  const std::vector<SheetEntry> entries = SheetEntries(file, reading, wish.Zoom, wish.Depth);
   const std::vector<int32_t> all = FilterSheet(entries, {}, SheetFilter{}, first, last);
   const int32_t perSheet = kMaxSheetSide / layout.PitchY * layout.Columns;
   const auto pages = static_cast<int32_t>((all.size() + perSheet - 1) / perSheet);

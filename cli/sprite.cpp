@@ -37,7 +37,7 @@ void PrintFacts(int32_t index, int64_t width, int64_t height, uint8_t flags, int
 // The chosen alternative's facts (with its zoom and depth where sprites have several) and its
 // picture: an image decoded now, data as a strip of palette indices as an action sprite is shown.
 int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const std::string* png,
-               bool force, const CliColours& colours) {
+               bool force, const FileReading& reading, const CliColours& colours) {
   const SpriteFacts f = FactsOf(file, index, alternative);
   PrintFacts(index, f.Width, f.Height, f.Flags, f.Size, f.Compressed, f.XOffset, f.YOffset);
   const AlternativeInfo a = AlternativeOf(file, index, alternative);
@@ -50,8 +50,6 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
   const bool pseudo = f.Kind == SpriteKind::Pseudo;
   if (!pseudo) std::printf("Palette: %s\n", colours.PaletteText.c_str());
   // What the sprite is: a pseudo-sprite's action, summary and NFO line, a picture's role.
-  FileReading reading;
-  ReadFileActions(file, reading);
   for (const auto& [key, value] : SpriteDetails(file, reading, index))
     std::printf("%s: %s\n", key.c_str(), value.c_str());
   std::fflush(stdout);
@@ -101,16 +99,18 @@ int CmdSprite(const std::vector<std::string>& args) {
   const bool wantPng = png != parsed.Values.end();
 
   GrfFile file;
-  if (LoadForCli(args[0], file) != kExitOk) return kExitFailure;
+  FileReading reading;
+  if (LoadForCli(args[0], file, &reading) != kExitOk) return kExitFailure;
   int32_t index = 0, alternative = -1;
   if (!ParseSpriteNumber(args[1], SpriteCount(file), index)) return kExitFailure;
   if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
   // The palette is read only when a picture is written.
   CliColours colours;
-  if (const int status = ChooseColours(file, parsed.Values, wantPng, colours); status != kExitOk)
+  if (const int status = ChooseColours(file, reading, parsed.Values, wantPng, colours);
+      status != kExitOk)
     return status;
   return ShowSprite(file, index, alternative, wantPng ? &png->second : nullptr,
-                    parsed.Values.count("force") > 0, colours);
+                    parsed.Values.count("force") > 0, reading, colours);
 }
 
 }  // namespace vossel

@@ -75,7 +75,8 @@ SheetLook LookOf(const SheetChoices& choices) {
   return look;
 }
 
-std::vector<SheetEntry> SheetEntries(const GrfFile& file, int32_t zoom, int32_t depth) {
+std::vector<SheetEntry> SheetEntries(const GrfFile& file, const FileReading& reading, int32_t zoom,
+                                     int32_t depth) {
   const int32_t count = SpriteCount(file);
   std::vector<SheetEntry> entries(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) {
@@ -86,8 +87,9 @@ std::vector<SheetEntry> SheetEntries(const GrfFile& file, int32_t zoom, int32_t 
     if (f.Kind == SpriteKind::Picture) {
       e.Width = Clamp32(f.Width);
       e.Height = Clamp32(f.Height);
-    } else if (f.Kind == SpriteKind::Pseudo) {
-      e.Action = static_cast<int16_t>(ActionOf(file, i));
+    } else if (f.Kind == SpriteKind::Pseudo && static_cast<size_t>(i) < reading.Bytes.size() &&
+               !reading.Bytes[static_cast<size_t>(i)].empty()) {
+      e.Action = reading.Bytes[static_cast<size_t>(i)][0];
     }
   }
   return entries;

@@ -55,7 +55,9 @@ struct SheetEntry {
   SpriteKind Kind = SpriteKind::Picture;
   int16_t Action = -1;
 };
-std::vector<SheetEntry> SheetEntries(const GrfFile& file, int32_t zoom, int32_t depth);
+// A pseudo-sprite's action is its first byte, as the file's reading holds it.
+std::vector<SheetEntry> SheetEntries(const GrfFile& file, const FileReading& reading, int32_t zoom,
+                                     int32_t depth);
 
 enum class SheetKinds : uint8_t { All, Pictures, PseudoSprites };
 struct SheetFilter {

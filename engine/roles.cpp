@@ -2,13 +2,6 @@
 
 namespace vossel {
 
-int32_t ActionOf(const GrfFile& file, int32_t sprite) {
-  if (FactsOf(file, sprite, -1).Kind != SpriteKind::Pseudo) return -1;
-  std::vector<uint8_t> bytes;
-  if (SpriteBytes(file, sprite, -1, bytes) != GrfResult::Ok || bytes.empty()) return -1;
-  return bytes[0];
-}
-
 std::vector<SheetRole> SheetRolesOf(const FileReading& reading) {
   std::vector<SheetRole> roles;
   roles.reserve(reading.Actions.Sprites.size());

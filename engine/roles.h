@@ -18,9 +18,6 @@ enum class SheetRole : uint8_t {
   Glyph,         // a character of a font
 };
 
-// The first byte of a pseudo-sprite (its action), -1 for anything else or an empty one.
-int32_t ActionOf(const GrfFile& file, int32_t sprite);
-
 // Every sprite's kind, from what the file's actions say of it.
 std::vector<SheetRole> SheetRolesOf(const FileReading& reading);
 

@@ -248,6 +248,8 @@ class frmMain : public QMainWindow {
   void ShowView();
   // The Details window follows the sprite on view, while it is shown.
   void UpdateDetails();
+  // Reads what the open file says about itself, once a load.
+  void ReadFileOnce();
   // After a load: the file's declared palette, its company colour maps, the palette in use.
   void TakeFileColours();
   // Reads the palette View names into Palette; the palette file when it cannot be read.

@@ -19,11 +19,8 @@ SheetLook frmMain::LookOfView() const {
 
 void frmMain::AttachSheet() {
   if (!SpriteSheet || SpriteCount(File) == 0) return;
-  if (!ReadingDone) {
-    ReadFileActions(File, Reading);
-    ReadingDone = true;
-  }
-  SpriteSheet->Attach(File, SheetRolesOf(Reading), View.Sprite, LookOfView());
+  ReadFileOnce();
+  SpriteSheet->Attach(File, Reading, View.Sprite, LookOfView());
 }
 
 void frmMain::DetachSheet() {

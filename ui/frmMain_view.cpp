@@ -193,11 +193,14 @@ void frmMain::mnuAlignOrigin_Click() {
   ShowView();
 }
 
+void frmMain::ReadFileOnce() {
+  if (ReadingDone) return;
+  ReadFileActions(File, Reading);
+  ReadingDone = true;
+}
+
 void frmMain::TakeFileColours() {
-  if (!ReadingDone) {
-    ReadFileActions(File, Reading);
-    ReadingDone = true;
-  }
+  ReadFileOnce();
   Declared = DeclaredPaletteOf(Reading);
   if (!View.PaletteChosen)
     View.Palette =
@@ -281,10 +284,7 @@ void frmMain::UpdateDetails() {
     Details->ShowNothing();
     return;
   }
-  if (!ReadingDone) {
-    ReadFileActions(File, Reading);
-    ReadingDone = true;
-  }
+  ReadFileOnce();
   Details->ShowDetails(IdentityFacts(File, Reading), View.Sprite,
                        SpriteDetails(File, Reading, View.Sprite));
 }

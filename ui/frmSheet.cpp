@@ -285,14 +285,15 @@ void frmSheet::BuildControls() {
   UpdateStatus();
 }
 
-void frmSheet::Attach(const GrfFile& file, std::vector<SheetRole> roles, int32_t sprite,
+void frmSheet::Attach(const GrfFile& file, const FileReading& reading, int32_t sprite,
                       const SheetLook& look) {
   Detach();
   file_ = &file;
-  roles_ = std::move(roles);
+  reading_ = &reading;
+  roles_ = SheetRolesOf(reading);
   look_ = look;
   sharedLook_ = std::make_shared<const SheetLook>(look);
-  entries_ = SheetEntries(file, look.Choices.Zoom, look.Choices.Depth);
+  entries_ = SheetEntries(file, reading, look.Choices.Zoom, look.Choices.Depth);
   highlighted_ = sprite;
   setWindowTitle(QString::fromLatin1(kSheetCaption) + QStringLiteral(" - ") +
                  QString::fromStdString(file.Path));
@@ -303,6 +304,7 @@ void frmSheet::Detach() {
   Invalidate();
   decoder_->Stop();
   file_ = nullptr;
+  reading_ = nullptr;
   entries_.clear();
   roles_.clear();
   shown_.clear();
@@ -324,7 +326,7 @@ void frmSheet::Follow(int32_t sprite, const SheetLook& look) {
   // Another zoom level or depth may pick other pictures, with other sizes.
   look_ = look;
   sharedLook_ = std::make_shared<const SheetLook>(look);
-  entries_ = SheetEntries(*file_, look.Choices.Zoom, look.Choices.Depth);
+  entries_ = SheetEntries(*file_, *reading_, look.Choices.Zoom, look.Choices.Depth);
   Invalidate();
   Refilter();
 }

@@ -35,9 +35,10 @@ class frmSheet : public QWidget {
   explicit frmSheet(QWidget* owner = nullptr);
   ~frmSheet() override;
 
-  // A file was loaded. `file` must stay as it is until Detach; `roles` has one role a sprite;
+  // A file was loaded. `file` and what it says of itself (`reading`: roles and actions) must stay
+  // as they are until Detach;
   // `sprite` is the one on view.
-  void Attach(const GrfFile& file, std::vector<SheetRole> roles, int32_t sprite,
+  void Attach(const GrfFile& file, const FileReading& reading, int32_t sprite,
               const SheetLook& look);
   // The file is about to change or close: returns once no picture of it is being decoded, and
   // the sheet is empty.
@@ -87,6 +88,7 @@ class frmSheet : public QWidget {
   void Delivered(uint64_t generation, int32_t sprite, QImage picture);
 
   const GrfFile* file_ = nullptr;
+  const FileReading* reading_ = nullptr;
   std::vector<SheetEntry> entries_;
   std::vector<SheetRole> roles_;
   std::vector<int32_t> shown_;
