@@ -129,7 +129,7 @@ TEST(GrfV2, DamagedFilesSayWhatAndKeepTheRest) {
     sprites.insert(sprites.begin(), grfw::V2Sprite(1, Image2{0x04, 0, 1, 1, 0, 0, {7}}));
     return grfw::V2File(data, sprites);
   };
-  for (const std::string& line : CaseLines("engine/v2_damage_cases.txt")) {
+  for (const std::string& line : CaseLines("engine/container/v2_damage_cases.txt")) {
     const std::vector<std::string> f = Fields(line, 5);
     SCOPED_TRACE(f[0]);
     std::vector<Bytes> sprites;

@@ -15,7 +15,7 @@ using grfw::Bytes;
 TEST(ChunkScan, EndsAndTables) {
   const Bytes small = Hex("0C00 00 02 0200 FEFF 0100 020A0B F002");
   std::vector<std::vector<std::string>> cases;
-  for (const std::string& line : CaseLines("engine/scan_cases.txt"))
+  for (const std::string& line : CaseLines("engine/container/scan_cases.txt"))
     cases.push_back(Fields(line, 5));
   for (const auto& c : cases) {
     SCOPED_TRACE(c[0] + ": " + c[4]);

@@ -74,7 +74,7 @@ void ExpectNfoRoundTrip(const std::vector<SpriteInput>& inputs) {
 
 TEST(Actions, CaseFilesGiveEachSpriteItsText) {
   std::vector<std::vector<std::string>> lines;
-  for (const std::string& line : CaseLines("engine/action_cases.txt")) {
+  for (const std::string& line : CaseLines("engine/newgrf/action_cases.txt")) {
     if (line.rfind("==", 0) == 0)
       lines.push_back({line});
     else

@@ -20,7 +20,7 @@ TEST(Loader, KnownFiles) {
     Bytes Store;
   };
   std::vector<Case> cases;
-  for (const std::string& line : CaseLines("engine/loader_cases.txt")) {
+  for (const std::string& line : CaseLines("engine/container/loader_cases.txt")) {
     const std::vector<std::string> f = Fields(line, 5);
     cases.push_back({f[0], Hex(f[4]), std::stoi(f[1]), f[2] == "overrun", Hex(f[3])});
   }
