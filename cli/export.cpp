@@ -25,7 +25,9 @@
 #include <QSet>
 
 #include "commands.h"
+#include "encoder_files.h"
 #include "filewrite.h"
+#include "nfo_encoder.h"
 #include "palette.h"
 #include "pngwrite.h"
 #include "renderer.h"
@@ -38,7 +40,7 @@ const char kExportUsage[] =
     "Usage: vossel-cli export FILE DIR [--palette windows|dos|declared|PAL] [--company COLOUR] "
     "[--base-set FILE] [--force]\n";
 
-enum class ExportKind : uint8_t { Picture, Sound, Bytes, Listing };
+enum class ExportKind : uint8_t { Picture, Mask, Sound, Bytes, Listing };
 
 // One file to write: its name in DIR and the sprite (and alternative) it comes from.
 struct ExportItem {
@@ -131,6 +133,12 @@ void PlanSprite(const GrfFile& file, const FileReading& reading, int32_t i, int 
       name += ".png";
       taken.insert(name);
       items.push_back({name, i, k, ExportKind::Picture});
+      // The encoder takes a 32-bit picture's mask from an 8-bit file of its own.
+      if (a.Mask) {
+        listed[static_cast<size_t>(k)].MaskFile = name.substr(0, name.size() - 4) + "-mask.png";
+        taken.insert(listed[static_cast<size_t>(k)].MaskFile);
+        items.push_back({listed[static_cast<size_t>(k)].MaskFile, i, k, ExportKind::Mask});
+      }
     }
     listed[static_cast<size_t>(k)].File = name;
   }
@@ -145,9 +153,10 @@ std::vector<ExportItem> PlanFiles(const GrfFile& file, const FileReading& readin
   std::vector<ExportItem> items;
   std::set<std::string> taken{listingName};
   std::vector<NfoAlternative> listed;
+  listing = EncoderHead();
   for (int32_t i = 0; i < count; ++i) {
     PlanSprite(file, reading, i, digits, items, listed, taken, tally);
-    listing += NfoText(file, reading, i, listed) + "\n";
+    listing += EncoderText(file, reading, i, listed) + "\n";
   }
   items.push_back({listingName, -1, -1, ExportKind::Listing});
   return items;
@@ -161,8 +170,8 @@ std::vector<uint8_t> WavBytes(const std::vector<uint8_t>& sprite) {
   return std::vector<uint8_t>(sprite.begin() + static_cast<std::ptrdiff_t>(at), sprite.end());
 }
 
-// A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not applied),
-// as PNG with the offsets in its text chunks; sounds and other data as their bytes.
+// A picture decoded now, as the encoder reads it (indices, RGBA, or the mask apart), as PNG with
+// the offsets in its text chunks; sounds and other data as their bytes.
 ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
                           const std::string& listing, const ExportItem& item) {
   ExportContent content;
@@ -170,7 +179,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
     content.Bytes.assign(listing.begin(), listing.end());
     return content;
   }
-  if (item.Kind != ExportKind::Picture) {
+  if (item.Kind != ExportKind::Picture && item.Kind != ExportKind::Mask) {
     SpriteBytes(file, item.Sprite, item.Alternative, content.Bytes);
     if (item.Kind == ExportKind::Sound) content.Bytes = WavBytes(content.Bytes);
     return content;
@@ -185,7 +194,8 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
   }
   const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
                        {kYOffsetKey, std::to_string(picture.YOffset)}};
-  content.Empty = !EncodePng(CliPicture(picture, colours), texts, content.Bytes);
+  content.Empty = !EncodePng(EncoderImage(picture, colours, item.Kind == ExportKind::Mask), texts,
+                             content.Bytes);
   return content;
 }
 
@@ -265,10 +275,10 @@ void WriteSome(WriteFolder& folder, const std::vector<ExportItem>& items,
       if (!run.Failed.exchange(true)) run.Error = error;
       return;
     }
-    ++(content.Empty                      ? run.Tally.WithoutPixels
-       : item.Kind == ExportKind::Picture ? run.Tally.Pictures
-       : item.Kind == ExportKind::Sound   ? run.Tally.Sounds
-                                          : run.Tally.ByteFiles);
+    ++(content.Empty                    ? run.Tally.WithoutPixels
+       : item.Kind <= ExportKind::Mask  ? run.Tally.Pictures
+       : item.Kind == ExportKind::Sound ? run.Tally.Sounds
+                                        : run.Tally.ByteFiles);
     progress.Step(++run.Done);
   }
 }
