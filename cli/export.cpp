@@ -28,6 +28,7 @@
 #include "encoder_files.h"
 #include "filewrite.h"
 #include "nfo_encoder.h"
+#include "output.h"
 #include "palette.h"
 #include "pngwrite.h"
 #include "renderer.h"
@@ -394,7 +395,7 @@ int CmdExport(const std::vector<std::string>& args) {
     return kExitFailure;
   }
   PrintSummary(tally, SpriteCount(file), dirName);
-  return LoadStatus(file);
+  return FinishOutput(LoadStatus(file));
 }
 
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
