@@ -41,7 +41,7 @@ const char kExportUsage[] =
     "Usage: vossel-cli export FILE DIR [--palette windows|dos|declared|PAL] [--company COLOUR] "
     "[--base-set FILE] [--force]\n";
 
-enum class ExportKind : uint8_t { Picture, Mask, Sound, Bytes, Listing };
+enum class ExportKind : uint8_t { Picture, Sound, Bytes, Listing };
 
 // One file to write: its name in DIR and the sprite (and alternative) it comes from.
 struct ExportItem {
@@ -49,6 +49,7 @@ struct ExportItem {
   int32_t Sprite = 0;        // from 0
   int32_t Alternative = -1;  // among the sprite's alternatives; -1 for a pseudo-sprite
   ExportKind Kind = ExportKind::Picture;
+  bool Mask = false;  // a picture's mask layer, in a file of its own
 };
 
 // What one file holds. An empty Picture item gives no file: it has no pixels, or could not be
@@ -136,9 +137,10 @@ void PlanSprite(const GrfFile& file, const FileReading& reading, int32_t i, int 
       items.push_back({name, i, k, ExportKind::Picture});
       // The encoder takes a 32-bit picture's mask from an 8-bit file of its own.
       if (a.Mask) {
-        listed[static_cast<size_t>(k)].MaskFile = name.substr(0, name.size() - 4) + "-mask.png";
-        taken.insert(listed[static_cast<size_t>(k)].MaskFile);
-        items.push_back({listed[static_cast<size_t>(k)].MaskFile, i, k, ExportKind::Mask});
+        std::string& mask = listed[static_cast<size_t>(k)].MaskFile;
+        mask = name.substr(0, name.size() - 4) + "-mask.png";
+        taken.insert(mask);
+        items.push_back({mask, i, k, ExportKind::Picture, true});
       }
     }
     listed[static_cast<size_t>(k)].File = name;
@@ -180,7 +182,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
     content.Bytes.assign(listing.begin(), listing.end());
     return content;
   }
-  if (item.Kind != ExportKind::Picture && item.Kind != ExportKind::Mask) {
+  if (item.Kind != ExportKind::Picture) {
     SpriteBytes(file, item.Sprite, item.Alternative, content.Bytes);
     if (item.Kind == ExportKind::Sound) content.Bytes = WavBytes(content.Bytes);
     return content;
@@ -195,8 +197,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
   }
   const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
                        {kYOffsetKey, std::to_string(picture.YOffset)}};
-  content.Empty = !EncodePng(EncoderImage(picture, colours, item.Kind == ExportKind::Mask), texts,
-                             content.Bytes);
+  content.Empty = !EncodePng(EncoderImage(picture, colours, item.Mask), texts, content.Bytes);
   return content;
 }
 
@@ -276,10 +277,10 @@ void WriteSome(WriteFolder& folder, const std::vector<ExportItem>& items,
       if (!run.Failed.exchange(true)) run.Error = error;
       return;
     }
-    ++(content.Empty                    ? run.Tally.WithoutPixels
-       : item.Kind <= ExportKind::Mask  ? run.Tally.Pictures
-       : item.Kind == ExportKind::Sound ? run.Tally.Sounds
-                                        : run.Tally.ByteFiles);
+    ++(content.Empty                      ? run.Tally.WithoutPixels
+       : item.Kind == ExportKind::Picture ? run.Tally.Pictures
+       : item.Kind == ExportKind::Sound   ? run.Tally.Sounds
+                                          : run.Tally.ByteFiles);
     progress.Step(++run.Done);
   }
 }
