@@ -65,7 +65,7 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
     return out;
   }
   if (!parser.positionalArguments().isEmpty()) {
-    out.Error = "unknown option '" + parser.positionalArguments().front().toStdString() + "'";
+    out.Error = "unexpected argument '" + parser.positionalArguments().front().toStdString() + "'";
     return out;
   }
   for (const QCommandLineOption& option : known) {
@@ -87,18 +87,16 @@ bool IsSpriteNumberText(const std::string& text) {
   return !text.empty() && end != text.c_str() && *end == '\0';
 }
 
-bool ParseSpriteNumber(const std::string& text, int32_t count, int32_t& index) {
+bool ParseSpriteNumber(const std::string& fileName, const std::string& text, int32_t count,
+                       int32_t& index) {
   errno = 0;
   char* end = nullptr;
   const long value = std::strtol(text.c_str(), &end, 10);
   const bool number = !text.empty() && end != nullptr && *end == '\0' && errno == 0;
   if (!number || value < 1 || value > count) {
-    if (count < 1)
-      std::fprintf(stderr, "vossel-cli: sprite %s does not exist: the file holds no sprite\n",
-                   text.c_str());
-    else
-      std::fprintf(stderr, "vossel-cli: sprite %s does not exist: give a number from 1 to %d\n",
-                   text.c_str(), static_cast<int>(count));
+    FileError(fileName, "sprite " + text + " does not exist: " +
+                            (count < 1 ? std::string("the file holds no sprite")
+                                       : "give a number from 1 to " + std::to_string(count)));
     return false;
   }
   index = static_cast<int32_t>(value - 1);
@@ -108,7 +106,7 @@ bool ParseSpriteNumber(const std::string& text, int32_t count, int32_t& index) {
 bool ParseWish(const CommandArgs& args, AlternativeWish& wish, std::string& why) {
   if (const auto zoom = args.Values.find("zoom"); zoom != args.Values.end()) {
     uint8_t level = 0;
-    if (!ParseZoomName(zoom->second, level)) {
+    if (!ParseZoomName(QString::fromStdString(zoom->second).toLower().toStdString(), level)) {
       why = "unknown zoom level '" + zoom->second + "'";
       return false;
     }

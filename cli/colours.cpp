@@ -1,6 +1,8 @@
 // The colours of vossel-cli's pictures: --palette, --company and --base-set.
 #include <cstdio>
 
+#include <QString>
+
 #include "colours.h"
 #include "commands.h"
 #include "companymaps.h"
@@ -29,6 +31,12 @@ bool FindMaps(const GrfFile& file, const std::map<std::string, std::string>& val
   return false;
 }
 
+// The palette's names in any case; a file's path as it is.
+std::string PaletteWord(const std::string& value) {
+  const std::string lower = QString::fromStdString(value).toLower().toStdString();
+  return lower == "windows" || lower == "dos" || lower == "declared" ? lower : value;
+}
+
 }  // namespace
 
 int ChooseColours(const GrfFile& file, const FileReading& reading,
@@ -36,7 +44,7 @@ int ChooseColours(const GrfFile& file, const FileReading& reading,
                   CliColours& colours) {
   PaletteChoice choice;
   if (const auto named = values.find("palette");
-      named != values.end() && !ParsePaletteChoice(named->second, choice)) {
+      named != values.end() && !ParsePaletteChoice(PaletteWord(named->second), choice)) {
     std::fprintf(stderr, "vossel-cli: --palette takes windows, dos, declared or a file\n");
     return kExitUsage;
   }
@@ -49,7 +57,8 @@ int ChooseColours(const GrfFile& file, const FileReading& reading,
   const auto company = values.find("company");
   if (company == values.end()) return kExitOk;
   CompanyColour colour{};
-  if (!ParseCompanyColour(company->second, colour)) {
+  if (!ParseCompanyColour(QString::fromStdString(company->second).toLower().toStdString(),
+                          colour)) {
     std::fprintf(stderr, "vossel-cli: '%s' is not a company colour; give one of %s\n",
                  company->second.c_str(), kColourTokens);
     return kExitUsage;

@@ -59,15 +59,18 @@ int ChooseColours(const GrfFile& file, const FileReading& reading,
 // A picture in those colours.
 QImage CliPicture(const SpritePicture& picture, const CliColours& colours);
 
-// Usage of a command that takes FILE alone; false after printing the usage line.
-bool OneFileArgument(const char* command, const std::vector<std::string>& args);
+// Usage of a command that takes FILE alone, and --json where `json` is given; false after saying
+// what is wrong and printing the usage line.
+bool OneFileArgument(const char* command, const std::vector<std::string>& args,
+                     bool* json = nullptr);
 
 // True for a text that reads as a whole number (a number out of range included).
 bool IsSpriteNumberText(const std::string& text);
 
-// Reads a sprite number counted from 1; prints a message and gives false when it is not a number
-// within 1..count.
-bool ParseSpriteNumber(const std::string& text, int32_t count, int32_t& index);
+// Reads a sprite number counted from 1; prints a message naming the file and gives false when it
+// is not a number within 1..count.
+bool ParseSpriteNumber(const std::string& fileName, const std::string& text, int32_t count,
+                       int32_t& index);
 
 // The alternative asked for by --zoom and --depth.
 struct AlternativeWish {

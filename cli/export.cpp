@@ -25,7 +25,10 @@
 #include <QSet>
 
 #include "commands.h"
+#include "encoder_files.h"
 #include "filewrite.h"
+#include "nfo_encoder.h"
+#include "output.h"
 #include "palette.h"
 #include "pngwrite.h"
 #include "renderer.h"
@@ -46,6 +49,7 @@ struct ExportItem {
   int32_t Sprite = 0;        // from 0
   int32_t Alternative = -1;  // among the sprite's alternatives; -1 for a pseudo-sprite
   ExportKind Kind = ExportKind::Picture;
+  bool Mask = false;  // a picture's mask layer, in a file of its own
 };
 
 // What one file holds. An empty Picture item gives no file: it has no pixels, or could not be
@@ -131,6 +135,13 @@ void PlanSprite(const GrfFile& file, const FileReading& reading, int32_t i, int 
       name += ".png";
       taken.insert(name);
       items.push_back({name, i, k, ExportKind::Picture});
+      // The encoder takes a 32-bit picture's mask from an 8-bit file of its own.
+      if (a.Mask) {
+        std::string& mask = listed[static_cast<size_t>(k)].MaskFile;
+        mask = name.substr(0, name.size() - 4) + "-mask.png";
+        taken.insert(mask);
+        items.push_back({mask, i, k, ExportKind::Picture, true});
+      }
     }
     listed[static_cast<size_t>(k)].File = name;
   }
@@ -145,9 +156,10 @@ std::vector<ExportItem> PlanFiles(const GrfFile& file, const FileReading& readin
   std::vector<ExportItem> items;
   std::set<std::string> taken{listingName};
   std::vector<NfoAlternative> listed;
+  listing = EncoderHead();
   for (int32_t i = 0; i < count; ++i) {
     PlanSprite(file, reading, i, digits, items, listed, taken, tally);
-    listing += NfoText(file, reading, i, listed) + "\n";
+    listing += EncoderText(file, reading, i, listed) + "\n";
   }
   items.push_back({listingName, -1, -1, ExportKind::Listing});
   return items;
@@ -161,8 +173,8 @@ std::vector<uint8_t> WavBytes(const std::vector<uint8_t>& sprite) {
   return std::vector<uint8_t>(sprite.begin() + static_cast<std::ptrdiff_t>(at), sprite.end());
 }
 
-// A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not applied),
-// as PNG with the offsets in its text chunks; sounds and other data as their bytes.
+// A picture decoded now, as the encoder reads it (indices, RGBA, or the mask apart), as PNG with
+// the offsets in its text chunks; sounds and other data as their bytes.
 ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
                           const std::string& listing, const ExportItem& item) {
   ExportContent content;
@@ -185,7 +197,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
   }
   const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
                        {kYOffsetKey, std::to_string(picture.YOffset)}};
-  content.Empty = !EncodePng(CliPicture(picture, colours), texts, content.Bytes);
+  content.Empty = !EncodePng(EncoderImage(picture, colours, item.Mask), texts, content.Bytes);
   return content;
 }
 
@@ -384,7 +396,7 @@ int CmdExport(const std::vector<std::string>& args) {
     return kExitFailure;
   }
   PrintSummary(tally, SpriteCount(file), dirName);
-  return LoadStatus(file);
+  return FinishOutput(LoadStatus(file));
 }
 
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,

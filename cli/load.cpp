@@ -46,9 +46,8 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
     if (!wanted.empty()) wanted += ' ';
     wanted += ZoomName(static_cast<uint8_t>(wish.Zoom));
   }
-  std::fprintf(stderr, "vossel-cli: sprite %d has no %s alternative; it has: %s\n",
-               static_cast<int>(index + 1), wanted.c_str(),
-               present.empty() ? "none" : present.c_str());
+  FileError(file.Path, "sprite " + std::to_string(index + 1) + " has no " + wanted +
+                           " alternative; it has: " + (present.empty() ? "none" : present));
   return false;
 }
 

@@ -27,6 +27,11 @@ int PrintJson(const QJsonObject& document) {
   return FinishOutput();
 }
 
+int PrintJson(const QJsonObject& document, int status) {
+  const int printed = PrintJson(document);
+  return status != kExitOk ? status : printed;
+}
+
 int FinishOutput() {
   errno = 0;
   if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return kExitOk;

@@ -14,6 +14,8 @@ void AddSpriteKeys(QJsonObject& object, int32_t index);
 
 // Writes `document` indented, with a line end, on standard output; then as FinishOutput.
 int PrintJson(const QJsonObject& document);
+// The same, giving `status` when it is worse than a failed write.
+int PrintJson(const QJsonObject& document, int status);
 
 // Flushes standard output: kExitOk, or kExitFailure after "vossel-cli: cannot write to standard
 // output: <reason>" when anything written to it was lost (a full disk, a closed pipe).

@@ -14,6 +14,7 @@
 #include <QPainter>
 
 #include "commands.h"
+#include "output.h"
 #include "sheet.h"
 
 namespace vossel {
@@ -169,9 +170,9 @@ int CmdSheet(const std::vector<std::string>& args) {
   const int32_t count = SpriteCount(file);
   int32_t first = 0, last = count - 1;
   if ((parsed.Values.count("first") > 0 &&
-       !ParseSpriteNumber(parsed.Values.at("first"), count, first)) ||
+       !ParseSpriteNumber(fileName, parsed.Values.at("first"), count, first)) ||
       (parsed.Values.count("last") > 0 &&
-       !ParseSpriteNumber(parsed.Values.at("last"), count, last)))
+       !ParseSpriteNumber(fileName, parsed.Values.at("last"), count, last)))
     return kExitFailure;
   if (count == 0 || first > last) {
     FileError(fileName, count == 0 ? "the file holds no sprite; no sheet written"
@@ -224,7 +225,7 @@ int CmdSheet(const std::vector<std::string>& args) {
   for (; !writes.empty(); writes.pop_front()) written = Finish(writes.front()) && written;
   if (!written) return kExitFailure;
   for (const std::string& problem : problems) FileError(fileName, problem);
-  return LoadStatus(file);
+  return FinishOutput(LoadStatus(file));
 }
 
 }  // namespace vossel

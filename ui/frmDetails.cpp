@@ -4,6 +4,8 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
+#include "nfo_encoder.h"
+
 namespace vossel {
 
 namespace {
@@ -30,9 +32,9 @@ frmDetails::frmDetails(QWidget* owner) : QWidget(owner, Qt::Window) {
 }
 
 void frmDetails::ShowDetails(const FactLines& identity, int32_t sprite, const FactLines& details) {
-  // Sprites count from 0 here, as NFO and the game count them.
-  const std::string text = Lines(identity) + "\nSprite " + std::to_string(sprite) + " (row " +
-                           std::to_string(int64_t{sprite} + 1) + ")\n" + Lines(details);
+  // Numbered as the list counts (from 1) and as NFO does (from 0), as the CLI says it.
+  const std::string text =
+      Lines(identity) + "\n" + SpriteNumberText(sprite) + "\n" + Lines(details);
   text_->setPlainText(QString::fromStdString(text));
 }
 

@@ -194,6 +194,12 @@ std::string Details(const ActionRecord& a) {
       if (has(2)) parts.push_back("version " + std::to_string(a.Version));
       break;
     case 0x0A:
+      // The bytes as stored are placeholders then: the game's own values replace them.
+      if (a.ChangedAtLoad) {
+        parts.push_back("replaces base sprites set when the game loads the file (" +
+                        Count(a.Ranges.size(), "set", "sets") + ")");
+        break;
+      }
       parts.push_back(a.Number == 0   ? "replaces no base sprites"
                       : a.Number == 1 ? "replaces base sprite " + Ranges(a)
                                       : "replaces base sprites " + Ranges(a));
@@ -263,8 +269,11 @@ std::string Summary(const ActionRecord& a, bool named) {
   if (a.IsSpriteCount) return "Sprite count: " + std::to_string(a.Value);
   if (a.Have == 0) return "Empty pseudo-sprite" + CutNote(a);
   const std::string details = Details(a);
+  const bool noted = a.ChangedAtLoad && a.Action != 0x0A;
   return "Action " + Hex(a.Action, 2) + (named ? " " + ActionName(a.Action) : "") +
-         (details.empty() ? "" : ": " + details) + CutNote(a);
+         (details.empty() ? "" : ": " + details) +
+         (noted ? " (as stored; an Action 06 changes it when the game loads the file)" : "") +
+         CutNote(a);
 }
 
 const ActionRecord* ActionOf(const SpriteRole& role, const std::vector<ActionRecord>& actions) {
@@ -283,9 +292,9 @@ std::string ActionName(uint8_t action) {
                                        "Texts",
                                        "Base graphics set",
                                        "Change the next sprite",
-                                       "Skip if (activation)",
+                                       "Skip if (checked at activation)",
                                        "GRF ID and name",
-                                       "Skip if (always)",
+                                       "Skip if (checked always)",
                                        "Replace base sprites",
                                        "Error message",
                                        "Comment",
@@ -361,7 +370,9 @@ std::string RoleText(const SpriteRole& role, const std::vector<ActionRecord>& ac
           "sprite " + std::to_string(role.Index) + of + " (" + BaseGraphicsName(role.Feature) + ")";
       break;
     case RoleKind::Replacement:
-      text = "replaces base sprite " + std::to_string(role.Number);
+      text = owner && owner->ChangedAtLoad
+                 ? "replaces a base sprite set when the game loads the file"
+                 : "replaces base sprite " + std::to_string(role.Number);
       break;
     case RoleKind::Sound:
       if (role.Sound == SoundForm::Named) return "sound " + Quoted(role.SoundName);

@@ -420,6 +420,11 @@ GrfActions ReadActions(const std::vector<SpriteInput>& sprites) {
       role.Kind = RoleKind::Action;
       if (U8(c, a.Action)) ReadHeader(c, a);
     }
+    // An Action 06 right before changes this one's bytes when the game loads the file.
+    if (i > 0 && out.Sprites[i - 1].Kind == RoleKind::Action) {
+      const ActionRecord& before = out.Actions[static_cast<size_t>(out.Sprites[i - 1].ActionIndex)];
+      a.ChangedAtLoad = before.Action == 0x06 && before.Have > 0;
+    }
     a.Need = c.Need;
     a.Fields = static_cast<uint8_t>(std::min<uint32_t>(c.Fields, 255));
     role.Action = a.Action;

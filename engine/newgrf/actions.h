@@ -86,7 +86,8 @@ struct ActionRecord {
   uint32_t Value = 0;
   uint8_t Sources[2] = {0, 0};
   bool Override = false, WideId = false, HasOffset = false;
-  std::string Text, Text2;  // decoded (DecodeGrfText)
+  bool ChangedAtLoad = false;  // an Action 06 sets some of its bytes when the game loads the file
+  std::string Text, Text2;     // decoded (DecodeGrfText)
   GrfId Grf;
   std::vector<GrfId> Grfs;
   std::vector<ActionRange> Ranges;
@@ -198,7 +199,10 @@ struct NfoAlternative {
   uint16_t Width = 0, Height = 0;
   int16_t X = 0, Y = 0;
   int64_t DataSize = 0;
-  std::string File;  // where an export wrote it, if it did
+  std::string File;      // where an export wrote it, if it did
+  bool Chunked = false;  // stored in the tile (run) form
+  bool Mask = false;     // a 32-bit picture with a mask layer
+  std::string MaskFile;  // where an export wrote its mask
 };
 // "15 8bpp normal 64x31 at -31,0; 32bpp in4 256x124 at -124,0 // set 2, sprite 5 of Action 01
 // (trains)".

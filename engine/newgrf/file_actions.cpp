@@ -45,6 +45,9 @@ std::vector<NfoAlternative> NfoAlternativesOf(const GrfFile& file, int32_t sprit
     n.X = static_cast<int16_t>(f.XOffset);
     n.Y = static_cast<int16_t>(f.YOffset);
     n.DataSize = f.Size;
+    // The same bit marks the tile form in both containers' flags.
+    n.Chunked = !a.Data && (f.Flags & kV2Tile) != 0;
+    n.Mask = a.Mask;
     list.push_back(n);
   }
   return list;

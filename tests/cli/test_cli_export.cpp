@@ -72,7 +72,10 @@ Bytes ListedBytes(const fs::path& dir, size_t index) {
     const std::string head = std::to_string(index) + " * ";
     for (std::string line; std::getline(in, line);) {
       if (line.rfind(head, 0) != 0) continue;
-      return ParseNfoBytes(line.substr(line.find(' ', head.size()) + 1)).value_or(Bytes{});
+      // Long ones go on over lines that start with a tab.
+      std::string text = line.substr(line.find(' ', head.size()) + 1);
+      while (in.peek() == '\t' && std::getline(in, line)) text += line;
+      return ParseNfoBytes(text).value_or(Bytes{});
     }
   }
   return {};
@@ -289,7 +292,8 @@ TEST(CliExport, SoundsAsTheirWavFilesAndTheListingNamesThePictures) {
   EXPECT_NE(run.Out.find(": 1 PNG, 1 WAV, 1 NFO\n"), std::string::npos) << run.Out;
   EXPECT_EQ(ReadAll(dir / "horn.wav"), wav);
   const Bytes listing = ReadAll(dir / "sounds.nfo");
-  EXPECT_NE(std::string(listing.begin(), listing.end()).find("2 8bpp normal 1x1 at 2,3 0003.png"),
+  EXPECT_NE(std::string(listing.begin(), listing.end())
+                .find("\n2 sprites/0003.png 8bpp 0 0 1 1 2 3 normal nocrop\n"),
             std::string::npos);
   fs::remove_all(dir);
 }

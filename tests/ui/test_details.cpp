@@ -24,10 +24,12 @@ TEST(Details, FollowsBrowsingAndSaysWhatTheCliSays) {
   for (const int n : {1, 2, 3, 12, 760}) {
     form->scrSprite->SetValue(n - 1);
     const std::string text = form->Details->Text();
-    EXPECT_NE(text.find("Sprite " + std::to_string(n - 1) + " (row " + std::to_string(n) + ")\n"),
-              std::string::npos);
+    const std::string number =
+        "Sprite " + std::to_string(n) + " (NFO " + std::to_string(n - 1) + ")";
+    EXPECT_NE(text.find(number + "\n"), std::string::npos);
     // The CLI's lines after the facts it shares with the labels.
     const std::string cli = RunCli({"sprite", path, std::to_string(n)}).Out;
+    EXPECT_NE(cli.find("\nNumber: " + number + "\n"), std::string::npos) << cli;
     std::string said;
     for (const char* key : {"\nAction: ", "\nRole: "})
       if (const size_t at = cli.find(key); at != std::string::npos) said = cli.substr(at + 1);

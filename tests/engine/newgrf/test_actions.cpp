@@ -140,8 +140,8 @@ TEST(Actions, Texts) {
   EXPECT_EQ(ParseNfoBytes(" ab\t\"\" 0F ").value(), Bytes({0xAB, 0x0F}));
   EXPECT_EQ(ActionName(0x08), "GRF ID and name");
   EXPECT_EQ(FeatureName(0x16), "feature 16");
-  NfoAlternative image{false, 32, kZoomIn4, 256, 124, -124, 0, 0, ""};
-  NfoAlternative data{true, 0, 0, 0, 0, 0, 0, 12, ""};
+  NfoAlternative image{false, 32, kZoomIn4, 256, 124, -124, 0, 0, "", false, false, ""};
+  NfoAlternative data{true, 0, 0, 0, 0, 0, 0, 12, "", false, false, ""};
   SpriteRole base;
   base.Number = 15;
   EXPECT_EQ(NfoSpriteLine(15, {image, data}, base, {}),
