@@ -19,27 +19,6 @@ wait_until() {
   done
 }
 
-# Runs the action (a command line, evaluated), then polls the condition; when the condition has
-# not come about within 5 seconds, runs the action again, for SMOKE_SECONDS in all. For actions a
-# loaded program may miss, such as keys sent before a window is ready for them.
-act_until() {
-  _action=$1
-  shift
-  _deadline=$(($(date +%s) + SMOKE_SECONDS))
-  _attempt=0
-  while :; do
-    _attempt=$((_attempt + 1))
-    eval "$_action"
-    _retry=$(($(date +%s) + 5))
-    until "$@"; do
-      [ "$(date +%s)" -lt "$_deadline" ] || return 1
-      [ "$(date +%s)" -lt "$_retry" ] || continue 2
-      sleep 0.2
-    done
-    return 0
-  done
-}
-
 # Starts Xvfb, waits until a client can connect to it and exports DISPLAY; stop_xvfb ends it.
 # A server starting for the same number at the same moment can take the socket of one that has
 # already said it is ready (one such failure in 120 loaded runs): a display no client reaches
