@@ -98,12 +98,36 @@ SpritePlacement PlaceAtOrigin(QPoint origin, int32_t xOffset, int32_t yOffset, i
   return SpritePlacement{at(origin.x(), xOffset), at(origin.y(), yOffset)};
 }
 
+bool CloseColours(QRgb a, QRgb b) {
+  const int32_t r = qRed(a) - qRed(b), g = qGreen(a) - qGreen(b), bl = qBlue(a) - qBlue(b);
+  return r * r + g * g + bl * bl < vossel::kCrosshairContrast * vossel::kCrosshairContrast;
+}
+
+// Paints the pixels of `area` that fall on the canvas in `colour`, or in `other` where the
+// sprite's pixel there, as kept in `under` (whose top left is `corner`), is too close to `colour`.
+void PaintTwoTone(QImage& canvas, const QImage& under, QPoint corner, const QRect& area,
+                  QRgb colour, QRgb other) {
+  const QRect inside = area.intersected(canvas.rect());
+  for (int y = inside.top(); y <= inside.bottom(); ++y)
+    for (int x = inside.left(); x <= inside.right(); ++x)
+      canvas.setPixel(x, y,
+                      CloseColours(under.pixel(QPoint(x, y) - corner), colour) ? other : colour);
+}
+
 void PaintCrosshair(QImage& canvas, QPoint origin) {
-  QPainter painter(&canvas);
-  const QColor colour = QColor::fromRgba(vossel::kCrosshairColour);
   const int32_t arm = vossel::kCrosshairArm;
-  painter.fillRect(QRect(origin.x() - arm, origin.y(), 2 * arm + 1, 1), colour);
-  painter.fillRect(QRect(origin.x(), origin.y() - arm, 1, 2 * arm + 1), colour);
+  const int32_t x = origin.x(), y = origin.y();
+  // What lies under the crosshair, read before the outline covers part of it.
+  const QPoint corner(x - arm - 1, y - arm - 1);
+  const QImage under = canvas.copy(QRect(corner, QSize(2 * arm + 3, 2 * arm + 3)));
+  // The outline: 3 pixels wide along each arm from its second pixel out, across its end.
+  for (const QRect& side : {QRect(x - arm - 1, y - 1, arm, 3), QRect(x + 2, y - 1, arm, 3),
+                            QRect(x - 1, y - arm - 1, 3, arm), QRect(x - 1, y + 2, 3, arm)})
+    PaintTwoTone(canvas, under, corner, side, vossel::kCrosshairOutline,
+                 vossel::kCrosshairOtherOutline);
+  for (const QRect& line : {QRect(x - arm, y, 2 * arm + 1, 1), QRect(x, y - arm, 1, 2 * arm + 1)})
+    PaintTwoTone(canvas, under, corner, line, vossel::kCrosshairColour,
+                 vossel::kCrosshairOtherColour);
 }
 
 // The magnified part as it will be seen: an 8-bit part with index 0 transparent, and any part

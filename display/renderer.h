@@ -25,9 +25,18 @@ struct PictureOptions {
   QPoint OriginShift;
 };
 
-// The crosshair: arms of this many pixels each side of the origin, one pixel wide.
+// The crosshair: arms of this many pixels each side of the origin, one pixel wide, in
+// kCrosshairColour, with an outline one pixel wide in kCrosshairOutline along them and across
+// their ends (the four pixels diagonal to the origin are left to the sprite). Where the colour
+// under a pixel lies within kCrosshairContrast of the pixel's colour (distance in RGB), the
+// pixel takes the other colour of its pair instead, so that the crosshair stands out on any
+// sprite.
 constexpr int32_t kCrosshairArm = 8;
 constexpr QRgb kCrosshairColour = 0xFFFF00FF;
+constexpr QRgb kCrosshairOtherColour = 0xFF00FF00;
+constexpr QRgb kCrosshairOutline = 0xFF000000;
+constexpr QRgb kCrosshairOtherOutline = 0xFFFFFFFF;
+constexpr int32_t kCrosshairContrast = 160;
 
 // The centre of the free area, halves truncated toward zero, moved by `shift`.
 QPoint PictureOrigin(double freeWidth, double areaHeight, QPoint shift);

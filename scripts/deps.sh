@@ -9,6 +9,7 @@ packages=(
   clang-format clang libclang-rt-14-dev
   xvfb xauth x11-utils xdotool fonts-dejavu-extra
   openttd-data openttd-opengfx
+  lintian appstream groff-base man-db
 )
 
 if [ "$(id -u)" -eq 0 ]; then sudo=(); else sudo=(sudo); fi

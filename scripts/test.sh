@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds, and runs the whole test suite twice: a plain build, whose Debian
-# package is then made and listed, and one with AddressSanitizer and UndefinedBehaviorSanitizer.
+# package is then made, listed and judged by lintian, and one with AddressSanitizer and
+# UndefinedBehaviorSanitizer.
 # Then every fuzz target runs for a while (FUZZ_SECONDS, 30 by default) and the formatting is
 # checked.
 set -euo pipefail
@@ -29,10 +30,13 @@ echo "$contents"
 for f in bin/vossel bin/vossel-cli lib/vossel/ttdw-jasc.pal lib/vossel/ttd-dos-jasc.pal \
   lib/vossel/ttd-windows-toyland-jasc.pal lib/vossel/ttd-dos-toyland-jasc.pal \
   lib/vossel/vossel-demo.grf \
-  share/applications/vossel.desktop share/mime/packages/vossel.xml \
-  share/icons/hicolor/48x48/apps/vossel.png; do
+  share/applications/org.vossel.Vossel.desktop share/mime/packages/vossel.xml \
+  share/icons/hicolor/48x48/apps/vossel.png share/metainfo/org.vossel.Vossel.metainfo.xml \
+  share/man/man1/vossel.1.gz share/man/man1/vossel-cli.1.gz \
+  share/bash-completion/completions/vossel-cli share/doc/vossel/copyright; do
   grep -q " \./usr/$f\( \|$\)" <<<"$contents" || { echo "The package lacks /usr/$f"; exit 1; }
 done
+tests/package/check_deb.sh "$deb" .
 
 echo "== Build and test with AddressSanitizer and UndefinedBehaviorSanitizer =="
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1

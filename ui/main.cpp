@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     return ParseCommandLine(file).value_or(0);
   }
   QApplication app(argc, argv);
-  QGuiApplication::setDesktopFileName(QStringLiteral("vossel"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.vossel.Vossel"));
   if (const std::optional<int> status = ParseCommandLine(file)) return *status;
 
   frmMain Form;

@@ -2,7 +2,11 @@
 // picture areas and background colours.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <random>
+#include <vector>
 
 #include "composite.h"
 #include "renderer.h"
@@ -19,6 +23,23 @@ SpriteRecord Record(int w, int h, int x = 0, int y = 0) {
   r.XOffset = x;
   r.YOffset = y;
   return r;
+}
+
+enum class CrosshairPart { None, Line, Outline };
+
+// Where (dx, dy) from the origin falls: on an arm, on the outline one pixel around the arms from
+// their second pixel out and across their ends, or on neither.
+CrosshairPart PartOfCrosshair(int dx, int dy) {
+  const int arm = vossel::kCrosshairArm;
+  const int along = std::max(std::abs(dx), std::abs(dy)),
+            across = std::min(std::abs(dx), std::abs(dy));
+  if (across == 0 && along <= arm) return CrosshairPart::Line;
+  if (across <= 1 && along >= 2 && along <= arm + 1) return CrosshairPart::Outline;
+  return CrosshairPart::None;
+}
+
+double Distance(QRgb a, QRgb b) {
+  return std::hypot(qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b));
 }
 
 }  // namespace
@@ -100,10 +121,55 @@ TEST(PaintPicture, TransparentIndexZeroAndTheOrigin) {
                  : (c / 8 + r / 8) % 2 == 0 ? kCheckerLight
                                             : kCheckerDark;
         }
-        const bool cross = (y == oy && std::abs(x - ox) <= vossel::kCrosshairArm) ||
-                           (x == ox && std::abs(y - oy) <= vossel::kCrosshairArm);
-        if (options.AlignToOrigin && cross) want = vossel::kCrosshairColour;
+        const CrosshairPart part =
+            options.AlignToOrigin ? PartOfCrosshair(x - ox, y - oy) : CrosshairPart::None;
+        if (part == CrosshairPart::Line) want = vossel::kCrosshairColour;
+        if (part == CrosshairPart::Outline) {
+          // Its colour follows the picture under it; the picture's own test is below.
+          ASSERT_TRUE(canvas.pixel(x, y) == vossel::kCrosshairOutline ||
+                      canvas.pixel(x, y) == vossel::kCrosshairOtherOutline);
+          ASSERT_GE(Distance(canvas.pixel(x, y), want), vossel::kCrosshairContrast);
+          continue;
+        }
         ASSERT_EQ(canvas.pixel(x, y), want) << "round " << round << " at " << x << "," << y;
+      }
+    }
+  }
+}
+
+TEST(PaintPicture, TheCrosshairStandsOutOnAnyColour) {
+  // Sprites of one colour each, over the origin at every magnification: the corners and the
+  // middle of the colour cube, the crosshair's own colours and random ones.
+  std::vector<QRgb> colours;
+  for (int c = 0; c < 8; ++c)
+    colours.push_back(qRgb(c & 1 ? 255 : 0, c & 2 ? 255 : 0, c & 4 ? 255 : 0));
+  for (int v : {64, 128, 192}) colours.push_back(qRgb(v, v, v));
+  colours.insert(colours.end(),
+                 {vossel::kCrosshairColour, vossel::kCrosshairOtherColour, qRgb(200, 40, 210),
+                  qRgb(128, 0, 128), qRgb(30, 20, 60), kCheckerLight, kCheckerDark});
+  std::mt19937 rng(11);
+  for (int i = 0; i < 200; ++i) colours.push_back(static_cast<QRgb>(rng()) | 0xFF000000u);
+
+  const int arm = vossel::kCrosshairArm;
+  for (size_t i = 0; i < colours.size(); ++i) {
+    const QRgb colour = colours[i];
+    const int m = static_cast<int>(i % 3) + 1;
+    QImage picture(2 * arm + 6, 2 * arm + 6, QImage::Format_ARGB32);
+    picture.fill(colour);
+    vossel::PictureOptions options;
+    options.AlignToOrigin = true;
+    QImage canvas(100, 80, QImage::Format_RGB32);
+    const int half = (arm + 3) * m;
+    PaintPicture(canvas, picture, -(arm + 3), -(arm + 3), 100, 80, Qt::white, m, options);
+    const QPoint origin(50, 40);
+    for (int dy = -half; dy < half; ++dy) {
+      for (int dx = -half; dx < half; ++dx) {
+        const QRgb shown = canvas.pixel(origin + QPoint(dx, dy));
+        if (PartOfCrosshair(dx, dy) == CrosshairPart::None)
+          ASSERT_EQ(shown, colour) << std::hex << colour << " at " << dx << "," << dy;
+        else
+          ASSERT_GE(Distance(shown, colour), vossel::kCrosshairContrast)
+              << std::hex << colour << " at " << std::dec << dx << "," << dy;
       }
     }
   }

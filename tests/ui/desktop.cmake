@@ -17,7 +17,7 @@ add_test(NAME ui_smoke_open_xvfb COMMAND ${VOSSEL_SMOKE_OPEN} / ${VOSSEL_BASESET
 add_test(NAME ui_smoke_open_relative_xvfb COMMAND ${VOSSEL_SMOKE_OPEN} ${VOSSEL_BASESET_DIR}
                                                   openttd.grf "Viewing sprite 1 (4 x 1)")
 set_tests_properties(ui_smoke_open_xvfb ui_smoke_open_relative_xvfb
-                     PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77)
+                     PROPERTIES TIMEOUT 150 SKIP_RETURN_CODE 77)
 
 # --version and --help answer without any display.
 add_test(NAME ui_version COMMAND vossel --version)

@@ -67,7 +67,7 @@ TEST(Desktop, MimeDefinitionKnowsGrfFilesByNameAndVersion2BySignature) {
     EXPECT_EQ(db.mimeTypeForFile(TempUrl(name, bytes).toLocalFile()).name() == kGrfMimeType, grf)
         << name;
   // The desktop entry offers the program for that type and hands it the file.
-  std::ifstream file(fs::path(VOSSEL_SOURCE_DIR) / "data" / "vossel.desktop");
+  std::ifstream file(fs::path(VOSSEL_SOURCE_DIR) / "data" / "org.vossel.Vossel.desktop");
   const std::string entry(std::istreambuf_iterator<char>(file), {});
   EXPECT_NE(entry.find(std::string("\nMimeType=") + kGrfMimeType + ";\n"), std::string::npos);
   EXPECT_NE(entry.find("\nExec=vossel %f\n"), std::string::npos);
