@@ -167,8 +167,9 @@ std::string Details(const ActionRecord& a) {
       feature();
       if (has(3)) parts.push_back("language " + Hex(a.Language, 2));
       if (has(5))
+        // A text ID in hex as authors write it; an item's ID in decimal as Action 00 shows it.
         parts.push_back(Count(a.Count, "text", "texts") + " from ID " +
-                        Hex(a.First, a.WideId ? 4 : 2));
+                        (a.WideId ? Hex(a.First, 4) : std::to_string(a.First)));
       if (has(6)) parts.push_back(Quoted(a.Text));
       break;
     case 0x05:

@@ -97,6 +97,11 @@ struct ActionRecord {
   uint64_t Have = 0, Need = 0;
 };
 
+// Trains, road vehicles, ships and aircraft: their IDs in Action 03 are extended bytes.
+inline bool HasExtendedIds(uint8_t feature) {
+  return feature <= 0x03;
+}
+
 inline bool IsCut(const ActionRecord& a) {
   return a.Need > a.Have;
 }
