@@ -70,11 +70,41 @@ std::string SpriteAt(int32_t sprite) {
   return "sprite " + std::to_string(static_cast<int64_t>(sprite) + 1);
 }
 
+// "sprites 3-6" or "sprite 3", counted from 1.
+std::string SpriteSpan(int32_t first, uint32_t count) {
+  if (count == 1) return SpriteAt(first);
+  return "sprites " + std::to_string(int64_t{first} + 1) + "-" +
+         std::to_string(int64_t{first} + count);
+}
+
 // Operators of a variational group's chain, by their byte.
 constexpr const char* kOps[] = {
     "+",       "-",        "min", "max", "umin", "umax",       "/",    "%",          "u/",
     "u%",      "*",        "&",   "|",   "^",    "store temp", "then", "store perm", "rotate right",
     "compare", "ucompare", "<<",  "u>>", ">>"};
+
+// Version 00 gives amounts, 01 the registers that hold them; 02 (cargo, register) pairs.
+std::string ProductionText(const SpriteGroup& g) {
+  const std::vector<uint32_t>& v = g.Values;
+  const auto at = [&v](size_t i) { return i < v.size() ? std::to_string(v[i]) : std::string("?"); };
+  const auto reg = [&v](size_t i) { return i < v.size() ? Hex(v[i], 2) : std::string("?"); };
+  if (g.Type == 0x00)
+    return "take " + at(0) + ", " + at(1) + ", " + at(2) + "; give " + at(3) + ", " + at(4) +
+           "; again " + at(5);
+  if (g.Type == 0x01)
+    return "take registers " + reg(0) + ", " + reg(1) + ", " + reg(2) + "; give registers " +
+           reg(3) + ", " + reg(4) + "; again register " + reg(5);
+  std::string out;
+  size_t i = 0;
+  for (const char* part : {"take", "give"}) {
+    const size_t n = i < v.size() ? v[i] : 0;
+    out += std::string(out.empty() ? "" : "; ") + part;
+    ++i;
+    for (size_t k = 0; k < n && i + 1 < v.size(); ++k, i += 2)
+      out += (k ? ", cargo " : " cargo ") + at(i) + " by register " + reg(i + 1);
+  }
+  return out + "; again register " + reg(i);
+}
 
 }  // namespace
 
@@ -421,7 +451,14 @@ std::string GroupText(const SpriteGroup& g) {
                                            : "own bits";
       out = id + ": random, " + whose + " from bit " + std::to_string(g.RandomBit) + ", triggers " +
             Hex(g.Triggers, 2) + ", " + std::to_string(g.Choices.size()) + " choices";
-      if (g.Type == 0x84) out += ", count " + Hex(g.Count, 2);
+      if (g.Type == 0x84) {
+        static const char* const kModes[] = {
+            "backward from this vehicle", "forward from this vehicle",
+            "backward from the front engine", "backward from the first of the same ID"};
+        const uint8_t n = g.Count & 0x3F;
+        out += ", " + (n ? std::to_string(n) : std::string("a register's count of")) +
+               " vehicles " + kModes[g.Count >> 6];
+      }
       break;
     }
     case GroupKind::Variational: {
@@ -441,13 +478,11 @@ std::string GroupText(const SpriteGroup& g) {
                          : g.Form == LayoutForm::Extended ? "extended"
                                                           : "advanced";
       out = id + ": sprite layout (" + form + "), " + std::to_string(g.Sprites.size()) +
-            " sprites above the ground";
+            (g.Sprites.size() == 1 ? " sprite" : " sprites") + " above the ground";
       break;
     }
     case GroupKind::Production: {
-      std::vector<std::string> values;
-      for (uint32_t v : g.Values) values.push_back(std::to_string(v));
-      out = id + ": production, version " + Hex(g.Type, 2) + ": " + Join(values, " ");
+      out = id + ": production, version " + Hex(g.Type, 2) + ": " + ProductionText(g);
       break;
     }
     case GroupKind::Unknown:
@@ -464,8 +499,7 @@ std::string LayoutSpriteText(const GrfItems& items, const LayoutSprite& s, bool 
     out += "set " + std::to_string(number);
     if (s.Set >= 0) {
       const SpriteSetRef& r = items.Sets[static_cast<size_t>(s.Set)];
-      out += " (sprites " + std::to_string(r.First + 1) + "-" +
-             std::to_string(r.First + static_cast<int32_t>(r.Count)) + ")";
+      out += " (" + SpriteSpan(r.First, r.Count) + ")";
     }
   } else {
     out += number == 0 && !ground ? "nothing" : "base sprite " + std::to_string(number);
@@ -528,9 +562,8 @@ std::string NodeText(const GrfItems& items, const Item& item, const GraphNode& n
       break;
     case NodeKind::Set: {
       const SpriteSetRef& r = items.Sets[static_cast<size_t>(n.Set)];
-      what = "set " + std::to_string(r.Number) + " of Action 01 at " + SpriteAt(r.Action) +
-             ": sprites " + std::to_string(r.First + 1) + "-" +
-             std::to_string(r.First + static_cast<int32_t>(r.Count));
+      what = "set " + std::to_string(r.Number) + " of Action 01 at " + SpriteAt(r.Action) + ": " +
+             SpriteSpan(r.First, r.Count);
       break;
     }
     case NodeKind::Undefined:
@@ -549,8 +582,15 @@ std::string NodeText(const GrfItems& items, const Item& item, const GraphNode& n
   if (n.How == V::Range && n.Parent >= 0) {
     const VarRange& r =
         items.Groups[static_cast<size_t>(n.Parent)].Ranges[static_cast<size_t>(n.Index)];
-    via = r.Low == r.High ? std::to_string(r.Low) + ": "
-                          : std::to_string(r.Low) + ".." + std::to_string(r.High) + ": ";
+    // Callback numbers are written in hex wherever authors meet them.
+    const SpriteGroup& g = items.Groups[static_cast<size_t>(n.Parent)];
+    const bool callback = g.Adjusts.size() == 1 && g.Adjusts[0].Variable == 0x0C;
+    const auto value = [callback](uint32_t v) {
+      return callback ? "callback " + Hex(v, 2) : std::to_string(v);
+    };
+    via = value(r.Low) +
+          (r.Low == r.High ? "" : ".." + (callback ? Hex(r.High, 2) : std::to_string(r.High))) +
+          ": ";
   }
   return via + what;
 }

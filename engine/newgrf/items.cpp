@@ -192,7 +192,10 @@ void ReadProperties(State& s, const ActionRecord& a, ItemCursor& c) {
         Problem(s.Out, a.Sprite, ItemProblemKind::UnknownProperty, feature, number);
         return;
       }
-      if (!ReadValue(s, c, p)) return;
+      if (!ReadValue(s, c, p)) {
+        if (p.Raw.empty()) item.Properties.pop_back();  // cut before its first byte
+        return;
+      }
       if (feature == 0x08 && number == 0x09) {
         const uint32_t id = first + k;
         if (s.CargoTable.size() <= id) s.CargoTable.resize(id + 1);
@@ -208,6 +211,9 @@ void ReadTexts(State& s, const ActionRecord& a, ItemCursor& c) {
   if (!c.Take(1) || !c.Byte(feature) || !c.Byte(language) || !c.Byte(count)) return;
   const bool wide = (language & 0x80) != 0;
   if (!(wide ? c.Value(2, first) : c.Ext(first))) return;
+  // Every ID the header names is an item, its text cut or not.
+  if (!wide && feature != 0x48)
+    for (uint32_t k = 0; k < count; ++k) ItemOf(s, feature, first + k);
   for (uint32_t k = 0; k < count; ++k) {
     const int64_t at = c.At;
     const auto* zero = static_cast<const uint8_t*>(std::memchr(
@@ -219,7 +225,6 @@ void ReadTexts(State& s, const ActionRecord& a, ItemCursor& c) {
     if (wide)
       KeepName(s.TextPool[first + k], std::move(text), a.Sprite, language);
     else if (feature != 0x48) {
-      ItemOf(s, feature, first + k);
       KeepName(s.ItemNames[KeyOf(feature, first + k)], std::move(text), a.Sprite, language);
     }
   }
@@ -282,6 +287,7 @@ void ReadAssignment(State& s, const ActionRecord& a, ItemCursor& c) {
     uint32_t id = 0;
     if (!(HasExtendedIds(feature) ? c.Ext(id) : c.Value(1, id))) return;
     ids.push_back(id);
+    if (!override) ItemOf(s, feature, id);  // named, whatever follows
   }
   std::vector<std::pair<uint8_t, uint32_t>> pairs;
   if (!c.Byte(cargos)) return;
