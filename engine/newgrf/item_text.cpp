@@ -247,6 +247,7 @@ std::string FeatureWord(uint8_t feature) {
 bool ParseFeature(const std::string& text, uint8_t& feature) {
   std::string lower;
   for (char ch : text) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+  if (lower.size() == 4 && lower.rfind("0x", 0) == 0) lower.erase(0, 2);
   if (lower.size() == 2 && std::isxdigit(static_cast<unsigned char>(lower[0])) &&
       std::isxdigit(static_cast<unsigned char>(lower[1]))) {
     feature = static_cast<uint8_t>(std::stoul(lower, nullptr, 16));

@@ -63,8 +63,7 @@ TEST(ItemsWindow, ShowsWhatTheFileMakesAndDrivesTheMainWindow) {
   ninth->click();
   EXPECT_EQ(form->scrSprite->Value(), 9);
   form->mnuDetails->trigger();
-  EXPECT_NE(form->Details->Text().find("Items: ships 11 \"Antonov ESKA-1\"\n"),
-            std::string::npos)
+  EXPECT_NE(form->Details->Text().find("Items: ships 11 \"Antonov ESKA-1\"\n"), std::string::npos)
       << form->Details->Text();
 
   // A reload keeps the window filled and the item on view.
