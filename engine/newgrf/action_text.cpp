@@ -418,6 +418,10 @@ std::string GrfIdText(const uint8_t id[4]) {
   return text + ")";
 }
 
+std::string HexDigits(uint32_t v, int digits) {
+  return Hex(v, digits);
+}
+
 std::string PaletteName(char palette) {
   if (palette == 'D') return "DOS";
   if (palette == 'W') return "Windows";

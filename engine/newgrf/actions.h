@@ -185,6 +185,8 @@ std::string RoleText(const SpriteRole& role, const std::vector<ActionRecord>& ac
 std::string DecodeGrfText(const uint8_t* text, size_t size);
 // "4E4D4C00 (NML\00)": hex in file order, and the text when the first three bytes are printable.
 std::string GrfIdText(const uint8_t id[4]);
+// A value in upper-case hex of at least `digits` digits: "0F", "D000".
+std::string HexDigits(uint32_t v, int digits);
 // "DOS", "Windows", "either"; "'X'" for others.
 std::string PaletteName(char palette);
 

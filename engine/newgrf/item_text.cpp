@@ -10,12 +10,6 @@
 namespace vossel {
 namespace {
 
-std::string Hex(uint32_t v, int digits) {
-  char buffer[16];
-  std::snprintf(buffer, sizeof buffer, "%0*X", digits, v);
-  return buffer;
-}
-
 std::string Join(const std::vector<std::string>& parts, const char* with = ", ") {
   std::string out;
   for (const std::string& p : parts) out += (out.empty() ? "" : with) + p;
@@ -61,7 +55,7 @@ std::string FlagsText(const PropertyRow& row, uint32_t v) {
 std::string LabelText(const std::string& label) {
   std::string out;
   for (unsigned char ch : label)
-    out += std::isprint(ch) ? std::string(1, static_cast<char>(ch)) : "\\" + Hex(ch, 2);
+    out += std::isprint(ch) ? std::string(1, static_cast<char>(ch)) : "\\" + HexDigits(ch, 2);
   return out;
 }
 
@@ -87,7 +81,7 @@ constexpr const char* kOps[] = {
 std::string ProductionText(const SpriteGroup& g) {
   const std::vector<uint32_t>& v = g.Values;
   const auto at = [&v](size_t i) { return i < v.size() ? std::to_string(v[i]) : std::string("?"); };
-  const auto reg = [&v](size_t i) { return i < v.size() ? Hex(v[i], 2) : std::string("?"); };
+  const auto reg = [&v](size_t i) { return i < v.size() ? HexDigits(v[i], 2) : std::string("?"); };
   if (g.Type == 0x00)
     return "take " + at(0) + ", " + at(1) + ", " + at(2) + "; give " + at(3) + ", " + at(4) +
            "; again " + at(5);
@@ -129,13 +123,13 @@ std::string DateText(int64_t days) {
 
 std::string HexBytes(const std::vector<uint8_t>& bytes) {
   std::string out;
-  for (uint8_t b : bytes) out += (out.empty() ? "" : " ") + Hex(b, 2);
+  for (uint8_t b : bytes) out += (out.empty() ? "" : " ") + HexDigits(b, 2);
   return out;
 }
 
 std::string PropertyName(const ItemProperty& p) {
-  if (p.Row == nullptr) return "property " + Hex(p.Number, 2);
-  return p.Row->Confirmed ? p.Row->Name : "property " + Hex(p.Number, 2);
+  if (p.Row == nullptr) return "property " + HexDigits(p.Number, 2);
+  return p.Row->Confirmed ? p.Row->Name : "property " + HexDigits(p.Number, 2);
 }
 
 std::string PropertySizeText(const ItemProperty& p) {
@@ -221,7 +215,7 @@ std::string PropertyValueText(const ItemProperty& p) {
       }
       return parts.empty() ? "none" : Join(parts);
     case PropUnit::TextId:
-      return "text " + Hex(v, 4);
+      return "text " + HexDigits(v, 4);
     case PropUnit::Label:
     case PropUnit::LabelList:
       for (const std::string& l : p.Labels) parts.push_back(LabelText(l));
@@ -234,7 +228,7 @@ std::string PropertyValueText(const ItemProperty& p) {
     case PropUnit::Hex:
       break;
   }
-  for (int64_t x : p.Numbers) parts.push_back(Hex(static_cast<uint32_t>(x), 2));
+  for (int64_t x : p.Numbers) parts.push_back(HexDigits(static_cast<uint32_t>(x), 2));
   return parts.empty() ? HexBytes(p.Raw) : Join(parts, " ");
 }
 
@@ -424,14 +418,15 @@ std::string VariableName(uint8_t variable, uint8_t feature) {
 
 std::string AdjustText(const VarAdjust& a, uint8_t feature) {
   // A constant: the all-ones variable through a mask.
-  if (a.Variable == 0x1A && a.Shift == 0 && !a.HasDivide && !a.HasModulo) return Hex(a.Mask, 2);
+  if (a.Variable == 0x1A && a.Shift == 0 && !a.HasDivide && !a.HasModulo)
+    return HexDigits(a.Mask, 2);
   std::string out;
   const std::string name = VariableName(a.Variable, feature);
-  out += "var " + Hex(a.Variable, 2);
-  if (a.HasParameter) out += "(" + Hex(a.Parameter, 2) + ")";
+  out += "var " + HexDigits(a.Variable, 2);
+  if (a.HasParameter) out += "(" + HexDigits(a.Parameter, 2) + ")";
   if (!name.empty()) out += " [" + name + "]";
   if (a.Shift) out += " >> " + std::to_string(a.Shift);
-  out += " & " + Hex(a.Mask, 2);
+  out += " & " + HexDigits(a.Mask, 2);
   if (a.HasDivide) out += " + " + std::to_string(a.Add) + " / " + std::to_string(a.Divisor);
   if (a.HasModulo) out += " + " + std::to_string(a.Add) + " % " + std::to_string(a.Divisor);
   return out;
@@ -439,7 +434,7 @@ std::string AdjustText(const VarAdjust& a, uint8_t feature) {
 
 std::string GroupText(const SpriteGroup& g) {
   std::string out;
-  const std::string id = "group " + Hex(g.Id, 2) + " (" + SpriteAt(g.Sprite) + ")";
+  const std::string id = "group " + HexDigits(g.Id, 2) + " (" + SpriteAt(g.Sprite) + ")";
   switch (g.Kind) {
     case GroupKind::Standard:
       out = id + ": " + std::to_string(g.Loaded.size()) +
@@ -451,7 +446,7 @@ std::string GroupText(const SpriteGroup& g) {
                           : g.Type == 0x84 ? "consist's bits"
                                            : "own bits";
       out = id + ": random, " + whose + " from bit " + std::to_string(g.RandomBit) + ", triggers " +
-            Hex(g.Triggers, 2) + ", " + std::to_string(g.Choices.size()) + " choices";
+            HexDigits(g.Triggers, 2) + ", " + std::to_string(g.Choices.size()) + " choices";
       if (g.Type == 0x84) {
         static const char* const kModes[] = {
             "backward from this vehicle", "forward from this vehicle",
@@ -468,7 +463,7 @@ std::string GroupText(const SpriteGroup& g) {
         const uint8_t op = g.Adjusts[i].Op;
         if (i > 0)
           out += std::string(" ") +
-                 (op < std::size(kOps) ? kOps[op] : ("op " + Hex(op, 2)).c_str()) + " ";
+                 (op < std::size(kOps) ? kOps[op] : ("op " + HexDigits(op, 2)).c_str()) + " ";
         out += "(" + AdjustText(g.Adjusts[i], g.Feature) + ")";
       }
       if (g.Ranges.empty()) out += ", the value as callback result";
@@ -483,11 +478,11 @@ std::string GroupText(const SpriteGroup& g) {
       break;
     }
     case GroupKind::Production: {
-      out = id + ": production, version " + Hex(g.Type, 2) + ": " + ProductionText(g);
+      out = id + ": production, version " + HexDigits(g.Type, 2) + ": " + ProductionText(g);
       break;
     }
     case GroupKind::Unknown:
-      out = id + ": unknown type " + Hex(g.Type, 2);
+      out = id + ": unknown type " + HexDigits(g.Type, 2);
       break;
   }
   return g.Cut ? out + " (cut)" : out;
@@ -516,10 +511,10 @@ std::string LayoutSpriteText(const GrfItems& items, const LayoutSprite& s, bool 
            std::to_string(s.Z) + " size " + std::to_string(s.XExtent) + "x" +
            std::to_string(s.YExtent) + "x" + std::to_string(s.ZExtent);
   if (s.Child) out += ", at pixels " + std::to_string(s.X) + "," + std::to_string(s.Y);
-  if (s.Flags) out += ", flags " + Hex(s.Flags, 4);
+  if (s.Flags) out += ", flags " + HexDigits(s.Flags, 4);
   if (!s.Registers.empty()) {
     std::vector<std::string> regs;
-    for (uint8_t r : s.Registers) regs.push_back(Hex(r, 2));
+    for (uint8_t r : s.Registers) regs.push_back(HexDigits(r, 2));
     out += ", registers " + Join(regs, " ");
   }
   return out;
@@ -555,11 +550,12 @@ std::string NodeText(const GrfItems& items, const Item& item, const GraphNode& n
       what = GroupText(items.Groups[static_cast<size_t>(n.Group)]);
       break;
     case NodeKind::Seen:
-      what = "group " + Hex(items.Groups[static_cast<size_t>(n.Group)].Id, 2) + " (" +
+      what = "group " + HexDigits(items.Groups[static_cast<size_t>(n.Group)].Id, 2) + " (" +
              SpriteAt(items.Groups[static_cast<size_t>(n.Group)].Sprite) + "), shown above";
       break;
     case NodeKind::Callback:
-      what = "callback result " + std::to_string(n.Value) + " (" + Hex(n.Value | 0x8000, 4) + ")";
+      what = "callback result " + std::to_string(n.Value) + " (" + HexDigits(n.Value | 0x8000, 4) +
+             ")";
       break;
     case NodeKind::Set: {
       const SpriteSetRef& r = items.Sets[static_cast<size_t>(n.Set)];
@@ -568,10 +564,11 @@ std::string NodeText(const GrfItems& items, const Item& item, const GraphNode& n
       break;
     }
     case NodeKind::Undefined:
-      what = "undefined: " + Hex(n.Value, 4);
+      what = "undefined: " + HexDigits(n.Value, 4);
       break;
     case NodeKind::Loop:
-      what = "loop: group " + Hex(items.Groups[static_cast<size_t>(n.Group)].Id, 2) + " again";
+      what =
+          "loop: group " + HexDigits(items.Groups[static_cast<size_t>(n.Group)].Id, 2) + " again";
       break;
     case NodeKind::LayoutPart: {
       const SpriteGroup& g = items.Groups[static_cast<size_t>(n.Group)];
@@ -587,11 +584,12 @@ std::string NodeText(const GrfItems& items, const Item& item, const GraphNode& n
     const SpriteGroup& g = items.Groups[static_cast<size_t>(n.Parent)];
     const bool callback = g.Adjusts.size() == 1 && g.Adjusts[0].Variable == 0x0C;
     const auto value = [callback](uint32_t v) {
-      return callback ? "callback " + Hex(v, 2) : std::to_string(v);
+      return callback ? "callback " + HexDigits(v, 2) : std::to_string(v);
     };
-    via = value(r.Low) +
-          (r.Low == r.High ? "" : ".." + (callback ? Hex(r.High, 2) : std::to_string(r.High))) +
-          ": ";
+    via =
+        value(r.Low) +
+        (r.Low == r.High ? "" : ".." + (callback ? HexDigits(r.High, 2) : std::to_string(r.High))) +
+        ": ";
   }
   return via + what;
 }
@@ -603,12 +601,12 @@ std::string ItemProblemText(const ItemProblem& p) {
       return at + "the action ends early (" + std::to_string(p.Value) + " of " +
              std::to_string(p.Need) + " bytes)";
     case ItemProblemKind::UnknownProperty:
-      return at + "property " + Hex(p.Value, 2) + " of " + FeatureWord(p.Feature) +
+      return at + "property " + HexDigits(p.Value, 2) + " of " + FeatureWord(p.Feature) +
              " has no known size; the rest of the block is not read";
     case ItemProblemKind::UnknownGroupType:
-      return at + "group type " + Hex(p.Value, 2) + " is not known";
+      return at + "group type " + HexDigits(p.Value, 2) + " is not known";
     case ItemProblemKind::UndefinedGroup:
-      return at + "group " + Hex(p.Value, 2) + " is not defined before it is used";
+      return at + "group " + HexDigits(p.Value, 2) + " is not defined before it is used";
     case ItemProblemKind::UndefinedSet:
       return at + "set " + std::to_string(p.Value) + " is not in the Action 01 before it";
     case ItemProblemKind::NoSets:
@@ -617,7 +615,7 @@ std::string ItemProblemText(const ItemProblem& p) {
     case ItemProblemKind::SetOutsideFile:
       return at + "set " + std::to_string(p.Value) + " runs past the end of the file";
     case ItemProblemKind::Loop:
-      return at + "group " + Hex(p.Value, 2) + " leads back to itself";
+      return at + "group " + HexDigits(p.Value, 2) + " leads back to itself";
   }
   return at;
 }
