@@ -215,7 +215,7 @@ std::string PropertyValueText(const ItemProperty& p) {
       }
       return parts.empty() ? "none" : Join(parts);
     case PropUnit::TextId:
-      return "text " + HexDigits(v, 4);
+      return "text " + HexDigits(v, 4) + (p.Labels.empty() ? "" : " \"" + p.Labels[0] + "\"");
     case PropUnit::Label:
     case PropUnit::LabelList:
       for (const std::string& l : p.Labels) parts.push_back(LabelText(l));

@@ -337,8 +337,19 @@ void ReadAssignment(State& s, const ActionRecord& a, ItemCursor& c) {
 
 // The name of each item: its own text, else the text its name property points at (a station's
 // C5xx text by its ID).
+const Named* FindText(const State& s, uint32_t text) {
+  auto it = s.TextPool.find(text);
+  // A property may name a D0xx text by D4xx.
+  if (it == s.TextPool.end() && (text & 0xFC00) == 0xD400) it = s.TextPool.find(text - 0x400);
+  return it == s.TextPool.end() ? nullptr : &it->second;
+}
+
 void Name(State& s) {
   for (Item& item : s.Out.Items) {
+    // Every text a property points at, as its label.
+    for (ItemProperty& p : item.Properties)
+      if (p.Row && p.Row->Unit == PropUnit::TextId && !p.Numbers.empty())
+        if (const Named* t = FindText(s, static_cast<uint32_t>(p.Numbers[0]))) p.Labels = {t->Text};
     if (const auto it = s.ItemNames.find(KeyOf(item.Feature, item.Id)); it != s.ItemNames.end()) {
       item.Name = it->second.Text;
       item.Source = NameSource::ItemText;
@@ -355,14 +366,12 @@ void Name(State& s) {
     if (!has && item.Feature == 0x04 && item.Id <= 0xFF) text = 0xC500 + item.Id, has = true;
     if (!has) continue;
     item.NameText = text;
-    // A property may name a D0xx text by D4xx.
-    auto it = s.TextPool.find(text);
-    if (it == s.TextPool.end() && (text & 0xFC00) == 0xD400) it = s.TextPool.find(text - 0x400);
-    if (it == s.TextPool.end()) continue;
-    item.Name = it->second.Text;
+    const Named* t = FindText(s, text);
+    if (t == nullptr) continue;
+    item.Name = t->Text;
     item.Source = NameSource::TextId;
-    item.NameSprite = it->second.Sprite;
-    item.NameLanguage = it->second.Language;
+    item.NameSprite = t->Sprite;
+    item.NameLanguage = t->Language;
   }
 }
 

@@ -81,7 +81,7 @@ struct ItemProperty {
   const PropertyRow* Row = nullptr;  // nullptr: not in the table (its size unknown)
   std::vector<uint8_t> Raw;
   // The value's numbers in file order (one for B, W, D, B*; the list's for lists); labels where
-  // they are cargo-table indices or labels.
+  // they are cargo-table indices or labels, and the text a text ID names.
   std::vector<int64_t> Numbers;
   std::vector<std::string> Labels;
 };
