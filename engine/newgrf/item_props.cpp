@@ -1,5 +1,5 @@
 // The property tables of Action 00: per feature, each property's size and what its value means.
-// Rows the fact sheet does not confirm keep their size (so that the rest of a block can be read)
+// Rows whose meaning is not confirmed keep their size (so that the rest of a block can be read)
 // and are shown raw.
 #include <array>
 #include <memory>

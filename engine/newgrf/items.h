@@ -321,7 +321,7 @@ std::string ItemProblemText(const ItemProblem& p);
 std::string FeatureWord(uint8_t feature);
 // Reads a feature given as NFO writes it ("00", "0A") or by name ("trains", any case).
 bool ParseFeature(const std::string& text, uint8_t& feature);
-// A variable's name for a feature, empty when the sheet names none.
+// A variable's name for a feature, empty when it has none known.
 std::string VariableName(uint8_t variable, uint8_t feature);
 // "1950-01-01" from days since 1 January of year 0.
 std::string DateText(int64_t days);

@@ -38,7 +38,7 @@ std::string RealFile(const std::string& name) {
   return std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name;
 }
 
-// --- A decoder written here from the fact sheet alone
+// --- A decoder written here from the documented layouts alone
 // ---------------------------------------------
 
 struct HandVehicle {
