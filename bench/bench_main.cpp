@@ -85,6 +85,7 @@ BENCHMARK(BM_ChunkList128)->Name("chunks/128")->Unit(benchmark::kMicrosecond);
 void RegisterWindowCases();
 void CloseWindowCases();
 void RegisterV2Cases();
+void RegisterItemsCases();
 
 int main(int argc, char** argv) {
   // The window cases run on Qt's offscreen platform unless a display is asked for.
@@ -94,6 +95,7 @@ int main(int argc, char** argv) {
   for (BenchFile& f : RealBenchFiles()) RegisterFileCases(f.Name, std::move(f.Bytes));
   RegisterFileCases("limits", LimitsFile());
   RegisterV2Cases();
+  RegisterItemsCases();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

@@ -40,6 +40,10 @@ const char kUsage[] =
     "        [--company COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32] [--force]\n"
     "                                     the sprites as numbered cells (16 across, 64 pixels);\n"
     "                                     past 8192 pixels OUT-2.png, OUT-3.png, ...\n"
+    "  items FILE [--json]                what a NewGRF makes: one line per item (feature, ID,\n"
+    "                                     name, properties, sprites reached)\n"
+    "  item FILE FEATURE ID [--json]      one item's properties and graphics tree; FEATURE as\n"
+    "                                     NFO writes it (00, 0A) or by name, ID decimal or 0x hex\n"
     "\n"
     "Options:\n"
     "  --json         one JSON document on standard output instead of the text\n"
@@ -84,6 +88,8 @@ int main(int argc, char** argv) {
   if (command == "about") return CmdAbout(args);
   if (command == "nfo") return CmdNfo(args);
   if (command == "sheet") return CmdSheet(args);
+  if (command == "items") return CmdItems(args);
+  if (command == "item") return CmdItem(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

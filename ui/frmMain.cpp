@@ -81,9 +81,11 @@ void frmMain::Form_Unload() {
 
 void frmMain::EraseStores() {
   DetachSheet();
+  DetachItems();
   CloseGrfFile(File);
   Reading = FileReading{};
   ReadingDone = false;
+  ItemsDone = false;
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -155,6 +157,7 @@ void frmMain::LoadGRF() {
     return;
   }
   DetachSheet();  // the file it shows is replaced from here on
+  DetachItems();
   setEnabled(false);
 
   SetCaption(this, "Getting number of sprites...");
@@ -167,6 +170,7 @@ void frmMain::LoadGRF() {
   DoEvents();
   ReserveSprites(load, File);
   ReadingDone = false;
+  ItemsDone = false;
   AddMessage(PreparedMessage(GetTickCount() - start));
 
   start = GetTickCount();
@@ -202,6 +206,7 @@ void frmMain::LoadGRF() {
   AddMessage(FileLoadedMessage(FileName));
   Li->SetListIndex(0);
   AttachSheet();
+  AttachItems();
   setEnabled(true);
   Loaded();
 }
@@ -218,6 +223,7 @@ void frmMain::scrSprite_Change() {
 void frmMain::ShowView() {
   const int32_t v = View.Sprite;
   if (SpriteSheet) SpriteSheet->Follow(v, LookOfView());
+  if (ItemsWindow) ItemsWindow->Follow(LookOfView());
   Offer = PictureOffer{};
   if (v < 0 || v >= SpriteCount(File)) {
     // A file without sprites: a blank picture, no facts, the caption of a window with no file.

@@ -18,6 +18,7 @@
 #include "follow.h"
 #include "frmChunk.h"
 #include "frmDetails.h"
+#include "frmItems.h"
 #include "frmSheet.h"
 #include "grffile.h"
 #include "palette.h"
@@ -85,6 +86,12 @@ class frmMain : public QMainWindow {
   frmDetails* Details = nullptr;
   // The Sprite Sheet, made by its first showing and kept; it follows the file and the view.
   std::unique_ptr<frmSheet> SpriteSheet;
+  // What the file makes, read when the Items or Details window first needs it, and the items
+  // each sprite belongs to.
+  GrfItems Items;
+  std::vector<std::vector<int32_t>> ItemsOfSprite;
+  bool ItemsDone = false;
+  std::unique_ptr<frmItems> ItemsWindow;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -165,6 +172,7 @@ class frmMain : public QMainWindow {
   QAction* mnuDetails;
   QAction* mnuFollow;
   QAction* mnuSheet;
+  QAction* mnuItems;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -269,6 +277,14 @@ class frmMain : public QMainWindow {
   SheetLook LookOfView() const;
   void AttachSheet();
   void DetachSheet();
+  // The Items window's part (frmMain_items.cpp).
+  void BuildItemsItem();
+  void mnuItems_Click();
+  void ReadItemsOnce();
+  void AttachItems();
+  void DetachItems();
+  // A sprite's details, with the items it belongs to.
+  FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
   PictureOffer Offer;
   // Pictures (sprite, alternative) whose failure to decode has been reported, so that browsing

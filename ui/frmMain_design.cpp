@@ -93,6 +93,7 @@ void frmMain::BuildMenus() {
   mnuViewGrid = NewItem(mnuView, "&Grid", QKeySequence(Qt::SHIFT | Qt::Key_F1), true);
   BuildViewItems();
   BuildFollowItems();
+  BuildItemsItem();
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
   mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));

@@ -285,8 +285,7 @@ void frmMain::UpdateDetails() {
     return;
   }
   ReadFileOnce();
-  Details->ShowDetails(IdentityFacts(File, Reading), View.Sprite,
-                       SpriteDetails(File, Reading, View.Sprite));
+  Details->ShowDetails(IdentityFacts(File, Reading), View.Sprite, DetailsWithItems(View.Sprite));
 }
 
 void frmMain::UpdateViewItems() {

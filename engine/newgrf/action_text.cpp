@@ -167,8 +167,9 @@ std::string Details(const ActionRecord& a) {
       feature();
       if (has(3)) parts.push_back("language " + Hex(a.Language, 2));
       if (has(5))
+        // A text ID in hex as authors write it; an item's ID in decimal as Action 00 shows it.
         parts.push_back(Count(a.Count, "text", "texts") + " from ID " +
-                        Hex(a.First, a.WideId ? 4 : 2));
+                        (a.WideId ? Hex(a.First, 4) : std::to_string(a.First)));
       if (has(6)) parts.push_back(Quoted(a.Text));
       break;
     case 0x05:
@@ -426,6 +427,10 @@ std::string GrfIdText(const uint8_t id[4]) {
     text += printable(id[i]) && id[i] != '\\' ? std::string(1, static_cast<char>(id[i]))
                                               : "\\" + Hex(id[i], 2);
   return text + ")";
+}
+
+std::string HexDigits(uint32_t v, int digits) {
+  return Hex(v, digits);
 }
 
 std::string PaletteName(char palette) {

@@ -190,16 +190,18 @@ void ReadHeader(Cursor& c, ActionRecord& a) {
       if (!U8(c, a.Feature) || !U8(c, n)) break;
       a.Override = (n & 0x80) != 0;
       a.Count = n & 0x7F;
+      // Vehicles name their IDs in extended bytes, every other feature in plain ones.
       uint32_t ignored = 0;
       for (uint32_t i = 0; i < a.Count; ++i)
-        if (!Ext(c, ignored)) return;
+        if (!(HasExtendedIds(a.Feature) ? Ext(c, ignored) : U8(c, ignored))) return;
       U8(c, a.Number) && Take(c, uint64_t{a.Number} * 3) && U16(c, ignored);
       break;
     }
     case 0x04: {
       if (!U8(c, a.Feature) || !U8(c, a.Language) || !U8(c, a.Count)) break;
       a.WideId = (a.Language & 0x80) != 0;
-      if (!Number(c, a.WideId ? 2 : 1, a.First)) break;
+      // A word text ID with bit 7 of the language, else the item's own ID as an extended byte.
+      if (!(a.WideId ? U16(c, a.First) : Ext(c, a.First))) break;
       std::string text;
       for (uint32_t i = 0; i < a.Count && Text(c, text); ++i)
         if (i == 0) a.Text = text;

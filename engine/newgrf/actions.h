@@ -98,6 +98,11 @@ struct ActionRecord {
   uint64_t Have = 0, Need = 0;
 };
 
+// Trains, road vehicles, ships and aircraft: their IDs in Action 03 are extended bytes.
+inline bool HasExtendedIds(uint8_t feature) {
+  return feature <= 0x03;
+}
+
 inline bool IsCut(const ActionRecord& a) {
   return a.Need > a.Have;
 }
@@ -181,6 +186,8 @@ std::string RoleText(const SpriteRole& role, const std::vector<ActionRecord>& ac
 std::string DecodeGrfText(const uint8_t* text, size_t size);
 // "4E4D4C00 (NML\00)": hex in file order, and the text when the first three bytes are printable.
 std::string GrfIdText(const uint8_t id[4]);
+// A value in upper-case hex of at least `digits` digits: "0F", "D000".
+std::string HexDigits(uint32_t v, int digits);
 // "DOS", "Windows", "either"; "'X'" for others.
 std::string PaletteName(char palette);
 

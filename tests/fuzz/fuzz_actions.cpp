@@ -10,23 +10,13 @@
 #include <vector>
 
 #include "actions.h"
+#include "fuzz_sprites.h"
 
 using namespace vossel;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  std::vector<std::unique_ptr<uint8_t[]>> owned;
-  std::vector<SpriteInput> sprites;
-  for (size_t at = 0; at + 2 <= size;) {
-    const auto kind = static_cast<SpriteKind>(data[at] % 3);
-    size_t length = data[at + 1];
-    at += 2;
-    if (length == 0xFF && at + 2 <= size) length = data[at] | (data[at + 1] << 8), at += 2;
-    length = std::min(length, size - at);
-    owned.emplace_back(new uint8_t[length]);
-    std::copy(data + at, data + at + length, owned.back().get());
-    sprites.push_back({kind, owned.back().get(), length});
-    at += length;
-  }
+  const FuzzSprites input = SpritesOf(data, size);
+  const std::vector<SpriteInput>& sprites = input.Sprites;
   const GrfActions g = ReadActions(sprites);
   if (g.Sprites.size() != sprites.size()) std::abort();
   for (const ActionRecord& a : g.Actions) {

@@ -55,6 +55,7 @@ TEST(Descriptor, Cases) {
       {"\xEF\xBB\xBF[METADATA]\r\n  Name\t=  Spaced  \r\nPALETTE=windows\r\n; base = no.grf\r\n"
        "[Files]\r\nBASE=B.GRF\r\n",
        "Spaced||windows|1||B.GRF||"},
+      {"[Metadata]\nPalette = dOs\n", "||dOs|2||||"},
       {"name = outside\n[files]\nname = wrong section\npalette = DOS\n[metadata]\npalette = VGA\n",
        "||VGA|3||||"},
       {"[metadata]\nname = first\nname = last\nversion\n[broken\nversion = 2\n[files\nbase = x\n",
