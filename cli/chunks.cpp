@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "chunks.h"
+#include "chunkfile.h"
 #include "commands.h"
 #include "fileio.h"
 #include "text.h"
@@ -28,8 +28,9 @@ int CmdChunks(const std::vector<std::string>& args) {
     return kExitUsage;
   }
 
-  GrfFile file;
-  const ScanOutcome outcome = ScanGrfFile(args[0], file);
+  ChunkFile viewed;
+  const ScanOutcome outcome = ScanGrfFile(args[0], viewed);
+  const GrfFile& file = viewed.File;
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
       std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());
@@ -50,8 +51,8 @@ int CmdChunks(const std::vector<std::string>& args) {
   if (!ParseSpriteNumber(args[1], SpriteCount(file), index) ||
       !PickAlternative(file, index, wish, alternative))
     return kExitFailure;
-  ChunkCursor cursor = StartChunks(file, index, alternative);
-  for (ChunkRecord chunk; NextChunk(file, cursor, chunk);)
+  ChunkCursor cursor = StartChunks(viewed, index, alternative);
+  for (ChunkRecord chunk; NextChunk(viewed, cursor, chunk);)
     std::printf("%lld\t%s\n", static_cast<long long>(chunk.Position), ChunkText(chunk).c_str());
   if (cursor.Unreadable) {
     FileError(args[0], UnreadableText(file));

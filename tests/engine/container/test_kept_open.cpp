@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "grf2_chunks.h"
 #include "grf_writer.h"
 #include "grffile.h"
 
