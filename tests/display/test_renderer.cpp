@@ -6,6 +6,7 @@
 
 #include "composite.h"
 #include "renderer.h"
+#include "sprite_bitmap.h"
 
 using namespace vossel;
 

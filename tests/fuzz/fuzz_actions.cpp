@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "actions.h"
+#include "nfo_bytes.h"
 
 using namespace vossel;
 
