@@ -159,6 +159,7 @@ void ReserveSprites(GrfLoad& load, GrfFile& file) {
   } else {
     // The version-1 store replaces whatever was open.
     ReserveStore(file.Contents.emplace<SpriteStore>(), load.Counted);
+    ++file.Generation;
     file.Problems.clear();
     file.ProblemCount = 0;
     file.FileLength = static_cast<int64_t>(load.Bytes.size());

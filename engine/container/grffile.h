@@ -68,6 +68,7 @@ struct GrfFile {
   std::vector<GrfProblem> Problems;
   int64_t ProblemCount = 0;
 
+  // The tables of the container; every procedure below asks them, never Container.
   GrfContents Contents;
   // Raised whenever the contents are closed or replaced, so that a chunk list that lets events run
   // between its chunks sees that what it was reading has gone.
