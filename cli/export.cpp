@@ -163,8 +163,8 @@ std::vector<uint8_t> WavBytes(const std::vector<uint8_t>& sprite) {
 
 // A picture decoded now: 8-bit through the palette, 32-bit as RGBA (the mask layer is not applied),
 // as PNG with the offsets in its text chunks; sounds and other data as their bytes.
-ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
-                          const std::string& listing, const ExportItem& item) {
+ExportContent ItemContent(const GrfFile& file, const Look& look, const std::string& listing,
+                          const ExportItem& item) {
   ExportContent content;
   if (item.Kind == ExportKind::Listing) {
     content.Bytes.assign(listing.begin(), listing.end());
@@ -185,7 +185,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
   }
   const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
                        {kYOffsetKey, std::to_string(picture.YOffset)}};
-  content.Empty = !EncodePng(CliPicture(picture, colours), texts, content.Bytes);
+  content.Empty = !EncodePng(LookPixels(look, std::move(picture)), texts, content.Bytes);
   return content;
 }
 
@@ -340,8 +340,8 @@ int CmdExport(const std::vector<std::string>& args) {
     if (parser.isSet(*option))
       values[option->names().front().toStdString()] =
           parser.value(*option).toLocal8Bit().toStdString();
-  CliColours colours;
-  if (const int status = ChooseColours(file, reading, values, true, colours); status != kExitOk)
+  Look look;
+  if (const int status = ChooseLook(file, reading, values, true, look); status != kExitOk)
     return status;
   ExportTally tally;
   std::string listing;
@@ -375,9 +375,8 @@ int CmdExport(const std::vector<std::string>& args) {
   std::signal(SIGXFSZ, SIG_IGN);
   std::string error;
   const bool done = WriteItems(
-      folder, items,
-      [&](const ExportItem& item) { return ItemContent(file, colours, listing, item); }, tally,
-      error);
+      folder, items, [&](const ExportItem& item) { return ItemContent(file, look, listing, item); },
+      tally, error);
   CloseWriteFolder(folder);
   if (!done) {
     std::fprintf(stderr, "vossel-cli: %s\n", error.c_str());
@@ -395,13 +394,18 @@ bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int
     error = "the PNG encoder failed";
     return false;
   }
+  return WriteFileWhole(path, png, error);
+}
+
+bool WriteFileWhole(const std::string& path, const std::vector<uint8_t>& bytes,
+                    std::string& error) {
   const QFileInfo target(QFile::decodeName(path.c_str()));
   WriteFolder folder;
   WriteFailure failure;
   std::signal(SIGXFSZ, SIG_IGN);
   const bool written =
       OpenWriteFolder(target.absolutePath().toLocal8Bit().toStdString(), folder, failure) &&
-      WriteWhole(folder, target.fileName().toLocal8Bit().toStdString(), png.data(), png.size(),
+      WriteWhole(folder, target.fileName().toLocal8Bit().toStdString(), bytes.data(), bytes.size(),
                  failure) &&
       PlaceWritten(folder, failure);
   if (!written) {

@@ -37,7 +37,7 @@ void PrintFacts(int32_t index, int64_t width, int64_t height, uint8_t flags, int
 // The chosen alternative's facts (with its zoom and depth where sprites have several) and its
 // picture: an image decoded now, data as a strip of palette indices as an action sprite is shown.
 int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const std::string* png,
-               bool force, const FileReading& reading, const CliColours& colours) {
+               bool force, const FileReading& reading, const Look& look) {
   const SpriteFacts f = FactsOf(file, index, alternative);
   PrintFacts(index, f.Width, f.Height, f.Flags, f.Size, f.Compressed, f.XOffset, f.YOffset);
   const AlternativeInfo a = AlternativeOf(file, index, alternative);
@@ -48,7 +48,7 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
   }
   // A pseudo-sprite is told by what it says, not drawn.
   const bool pseudo = f.Kind == SpriteKind::Pseudo;
-  if (!pseudo) std::printf("Palette: %s\n", colours.PaletteText.c_str());
+  if (!pseudo) std::printf("Palette: %s\n", look.PaletteText.c_str());
   // What the sprite is: a pseudo-sprite's action, summary and NFO line, a picture's role.
   for (const auto& [key, value] : SpriteDetails(file, reading, index))
     std::printf("%s: %s\n", key.c_str(), value.c_str());
@@ -65,7 +65,7 @@ int ShowSprite(const GrfFile& file, int32_t index, int32_t alternative, const st
     return kExitFailure;
   }
   if (png == nullptr) return LoadStatus(file);
-  const QImage bitmap = CliPicture(picture, colours);
+  const QImage bitmap = LookPixels(look, std::move(picture));
   if (bitmap.isNull()) {
     std::fprintf(stderr, "vossel-cli: sprite %d has no pixels (%lld x %lld); no PNG written\n",
                  index + 1, static_cast<long long>(f.Width), static_cast<long long>(f.Height));
@@ -105,12 +105,12 @@ int CmdSprite(const std::vector<std::string>& args) {
   if (!ParseSpriteNumber(args[1], SpriteCount(file), index)) return kExitFailure;
   if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
   // The palette is read only when a picture is written.
-  CliColours colours;
-  if (const int status = ChooseColours(file, reading, parsed.Values, wantPng, colours);
+  Look look;
+  if (const int status = ChooseLook(file, reading, parsed.Values, wantPng, look, &wish);
       status != kExitOk)
     return status;
   return ShowSprite(file, index, alternative, wantPng ? &png->second : nullptr,
-                    parsed.Values.count("force") > 0, reading, colours);
+                    parsed.Values.count("force") > 0, reading, look);
 }
 
 }  // namespace vossel
