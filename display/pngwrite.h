@@ -15,7 +15,7 @@ namespace vossel {
 using PngTexts = std::vector<std::pair<std::string, std::string>>;
 
 // The picture as a PNG file's bytes: an indexed picture as palette indices with its colour table
-// (and the colours' alpha), a picture with alpha as RGBA, any other as RGB; rows filtered and
+// (and the colours' alpha), a picture with alpha as RGBA, any other as RGB; rows unfiltered and
 // zlib at a fast level, `texts` as tEXt chunks. False for a null picture or a failure of libpng.
 bool EncodePng(const QImage& picture, const PngTexts& texts, std::vector<uint8_t>& png);
 
