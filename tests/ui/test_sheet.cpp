@@ -276,10 +276,4 @@ TEST(SpriteSheet, ANarrowWindowKeepsEveryControlWhole) {
   const SheetLayout& layout = sheet.Layout();
   const int32_t right = sheet.Grid->width() - layout.Left - layout.Columns * layout.PitchX;
   EXPECT_LE(std::abs(right - layout.Left), 1);
-  if (std::getenv("VOSSEL_SHOTS") != nullptr) {
-    sheet.grab().save(QStringLiteral("/tmp/vossel-sheet-590.png"));
-    sheet.resize(900, 600);
-    Settled(sheet);
-    sheet.grab().save(QStringLiteral("/tmp/vossel-sheet-900.png"));
-  }
 }
