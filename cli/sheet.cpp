@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QThread>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include "commands.h"
@@ -136,42 +137,61 @@ bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
   return false;
 }
 
-// Every sheet of the run: bands drawn on the thread pool, a few ahead, while this thread encodes
-// them in order, so that no sheet is ever held whole. False once a sheet could not be written.
-bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::string>& problems) {
-  const auto pages = static_cast<int32_t>((run.Sprites.size() + run.PerSheet - 1) / run.PerSheet);
-  std::vector<std::pair<int32_t, int32_t>> bands;  // page, row
-  for (int32_t page = 0; page < pages; ++page)
-    for (int32_t row = 0; row < RowsOf(run, page); ++row) bands.emplace_back(page, row);
-  const size_t ahead = 4 * static_cast<size_t>(std::max(QThread::idealThreadCount(), 1));
+// One sheet encoded: its PNG's bytes (empty when the encoder failed) and the pictures that could
+// not be made.
+struct EncodedSheet {
+  std::vector<uint8_t> Png;
+  std::vector<std::string> Problems;
+};
+
+// Sheet `page`: its rows of cells drawn on the global thread pool, a few ahead, while this thread
+// encodes them in order, so that the sheet is never held whole.
+EncodedSheet EncodeSheet(const SheetRun& run, int32_t page) {
+  EncodedSheet sheet;
+  const int32_t rows = RowsOf(run, page);
+  PngRowsPtr encoder =
+      StartPngRows(run.Layout.Columns * run.Layout.PitchX, rows * run.Layout.PitchY, {}, sheet.Png);
+  const int32_t ahead = 2 * std::max(QThread::idealThreadCount(), 1);
   std::deque<QFuture<Band>> drawing;
-  size_t next = 0;
-  const auto fill = [&] {
-    for (; next < bands.size() && drawing.size() < ahead; ++next)
-      drawing.push_back(
-          QtConcurrent::run(DrawBand, std::cref(run), bands[next].first, bands[next].second));
-  };
-  PngRowsPtr encoder;
-  std::vector<uint8_t> png;
-  bool written = true;
-  fill();
-  for (size_t b = 0; b < bands.size(); ++b) {
-    const auto [page, row] = bands[b];
-    const int32_t width = run.Layout.Columns * run.Layout.PitchX;
-    const int32_t height = RowsOf(run, page) * run.Layout.PitchY;
-    if (row == 0) encoder = StartPngRows(width, height, {}, png);
+  int32_t next = 0;
+  for (int32_t row = 0; row < rows; ++row) {
+    for (; next < rows && next < row + ahead; ++next)
+      drawing.push_back(QtConcurrent::run(DrawBand, std::cref(run), page, next));
     const Band band = drawing.front().result();
     drawing.pop_front();
-    fill();
-    problems.insert(problems.end(), band.Problems.begin(), band.Problems.end());
+    sheet.Problems.insert(sheet.Problems.end(), band.Problems.begin(), band.Problems.end());
     for (int32_t y = 0; y < band.Pixels.height() && encoder; ++y)
       AddPngRow(*encoder, band.Pixels.constScanLine(y));
-    if (row + 1 < RowsOf(run, page)) continue;
+  }
+  if (!encoder || !FinishPngRows(*encoder)) sheet.Png.clear();
+  return sheet;
+}
+
+// Every sheet of the run, a few encoded at once on a pool of their own (their rows are drawn on
+// the global one, so that neither waits for the other), then written and told in order. False
+// once a sheet could not be written.
+bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::string>& problems) {
+  const auto pages = static_cast<int32_t>((run.Sprites.size() + run.PerSheet - 1) / run.PerSheet);
+  QThreadPool encoders;
+  encoders.setMaxThreadCount(std::max(QThread::idealThreadCount(), 1));
+  std::deque<QFuture<EncodedSheet>> encoding;
+  int32_t next = 0;
+  const auto fill = [&] {
+    for (; next < pages && static_cast<int32_t>(encoding.size()) < encoders.maxThreadCount();
+         ++next)
+      encoding.push_back(QtConcurrent::run(&encoders, EncodeSheet, std::cref(run), next));
+  };
+  bool written = true;
+  for (int32_t page = 0; page < pages && written; ++page) {
+    fill();
+    const EncodedSheet sheet = encoding.front().result();
+    encoding.pop_front();
+    problems.insert(problems.end(), sheet.Problems.begin(), sheet.Problems.end());
     const std::string name = SheetName(out, page);
-    if (!encoder || !FinishPngRows(*encoder)) {
+    if (sheet.Png.empty()) {
       std::fprintf(stderr, "vossel-cli: cannot write '%s': the PNG encoder failed\n", name.c_str());
       written = false;
-    } else if (!Deliver(name, png)) {
+    } else if (!Deliver(name, sheet.Png)) {
       written = false;
     } else if (name != "-") {
       const int64_t first = int64_t{page} * run.PerSheet;
@@ -179,13 +199,12 @@ bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::s
           std::min<int64_t>(first + run.PerSheet, static_cast<int64_t>(run.Sprites.size())) - 1;
       std::printf("%s: sprites %d to %d, %d x %d pixels\n", name.c_str(),
                   run.Sprites[static_cast<size_t>(first)] + 1,
-                  run.Sprites[static_cast<size_t>(last)] + 1, width, height);
+                  run.Sprites[static_cast<size_t>(last)] + 1,
+                  run.Layout.Columns * run.Layout.PitchX, RowsOf(run, page) * run.Layout.PitchY);
     }
-    encoder.reset();
-    if (!written) break;
   }
-  // Bands still being drawn use the run; they end before it goes.
-  for (QFuture<Band>& f : drawing) f.waitForFinished();
+  // Sheets still being encoded use the run; they end before it goes.
+  encoders.waitForDone();
   return written;
 }
 
