@@ -116,9 +116,9 @@ void SheetFirstScreen(benchmark::State& state, const std::string& path) {
     state.PauseTiming();
     sheet.Detach();
     state.ResumeTiming();
-    SheetChoices choices;
-    choices.Palette = w.Palette;
-    sheet.Attach(w.File, w.Reading, 0, LookOf(choices));
+    Look look;
+    look.Palette = w.Palette;
+    sheet.Attach(w.File, w.Reading, 0, look);
     Settle(sheet);
   }
   state.counters["cells"] = static_cast<double>(sheet.Layout().Columns) *

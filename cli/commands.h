@@ -9,6 +9,7 @@
 #include "actions.h"
 #include "companymaps.h"
 #include "grffile.h"
+#include "look.h"
 #include "palette.h"
 
 class QImage;
@@ -44,20 +45,14 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
                          const std::vector<std::string>& options,
                          const std::vector<std::string>& flags = {});
 
-// The colours of a command's pictures, for a loaded file.
-struct CliColours {
-  PaletteBuffer Palette{};
-  std::string PaletteText;  // which palette, and why: "DOS (declared by Action 14)"
-  bool Company = false;
-  RecolourMap Map{};
-};
-// Reads --palette (windows, dos, declared or a palette file; declared by default), --company and
-// --base-set from `values`; the palette itself only when `load`. kExitOk, or the status after
-// saying why not.
-int ChooseColours(const GrfFile& file, const FileReading& reading,
-                  const std::map<std::string, std::string>& values, bool load, CliColours& colours);
-// A picture in those colours.
-QImage CliPicture(const SpritePicture& picture, const CliColours& colours);
+// The look of a command's pictures, for a loaded file: --palette (windows, dos, declared or a
+// palette file; declared by default), --company and --base-set from `values`, and the wish's zoom
+// level and depth. A palette that cannot be read is an error only when `load`. kExitOk, or the
+// status after saying why not.
+struct AlternativeWish;
+int ChooseLook(const GrfFile& file, const FileReading& reading,
+               const std::map<std::string, std::string>& values, bool load, Look& look,
+               const AlternativeWish* wish = nullptr);
 
 // Usage of a command that takes FILE alone, and --json where `json` is given; false after saying
 // what is wrong and printing the usage line.
@@ -88,6 +83,8 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
 // all. False with the system's reason in `error`.
 bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int32_t y,
                   std::string& error);
+// Writes the bytes as the file `path`, whole or not at all; false with the system's reason.
+bool WriteFileWhole(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error);
 
 int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);

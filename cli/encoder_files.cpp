@@ -4,15 +4,15 @@
 
 namespace vossel {
 
-QImage EncoderImage(const SpritePicture& picture, const CliColours& colours, bool mask) {
-  if (!mask && !picture.Rgba.empty()) return ImageBitmap(picture, colours.Palette);
+QImage EncoderImage(const SpritePicture& picture, const Look& look, bool mask) {
+  if (!mask && !picture.Rgba.empty()) return ImageBitmap(picture, look.Palette);
   if (mask && picture.Rgba.empty()) return QImage();
   QImage image =
-      IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, colours.Palette);
-  if (colours.Company && !image.isNull()) {
+      IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, look.Palette);
+  if (look.Company && !image.isNull()) {
     const QList<QRgb> drawn = image.colorTable();
     QList<QRgb> table(drawn.size());
-    for (qsizetype i = 0; i < drawn.size(); ++i) table[i] = drawn[colours.Map[size_t(i)]];
+    for (qsizetype i = 0; i < drawn.size(); ++i) table[i] = drawn[look.Map[size_t(i)]];
     image.setColorTable(table);
   }
   return image;

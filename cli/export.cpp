@@ -14,7 +14,6 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <QCommandLineParser>
@@ -23,6 +22,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QSet>
+#include <QtConcurrent/QtConcurrentMap>
 
 #include "commands.h"
 #include "encoder_files.h"
@@ -165,18 +165,17 @@ std::vector<ExportItem> PlanFiles(const GrfFile& file, const FileReading& readin
   return items;
 }
 
-// The WAV file inside a sound sprite: behind FF, the name's length, the name and its 00.
+// The WAV file inside a sound sprite, behind its name.
 std::vector<uint8_t> WavBytes(const std::vector<uint8_t>& sprite) {
-  if (sprite.size() < 2) return {};
-  size_t at = std::min(sprite.size(), size_t{2} + sprite[1]);
-  if (at < sprite.size() && sprite[at] == 0) ++at;
-  return std::vector<uint8_t>(sprite.begin() + static_cast<std::ptrdiff_t>(at), sprite.end());
+  SoundParts parts;
+  if (!SplitNamedSound(sprite.data(), sprite.size(), parts)) return {};
+  return std::vector<uint8_t>(parts.Wav, parts.Wav + parts.WavSize);
 }
 
 // A picture decoded now, as the encoder reads it (indices, RGBA, or the mask apart), as PNG with
 // the offsets in its text chunks; sounds and other data as their bytes.
-ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
-                          const std::string& listing, const ExportItem& item) {
+ExportContent ItemContent(const GrfFile& file, const Look& look, const std::string& listing,
+                          const ExportItem& item) {
   ExportContent content;
   if (item.Kind == ExportKind::Listing) {
     content.Bytes.assign(listing.begin(), listing.end());
@@ -197,7 +196,7 @@ ExportContent ItemContent(const GrfFile& file, const CliColours& colours,
   }
   const PngTexts texts{{kXOffsetKey, std::to_string(picture.XOffset)},
                        {kYOffsetKey, std::to_string(picture.YOffset)}};
-  content.Empty = !EncodePng(EncoderImage(picture, colours, item.Mask), texts, content.Bytes);
+  content.Empty = !EncodePng(EncoderImage(picture, look, item.Mask), texts, content.Bytes);
   return content;
 }
 
@@ -247,9 +246,8 @@ class ProgressLine {
 
 using ContentFn = std::function<ExportContent(const ExportItem&)>;
 
-// What the workers share; the lock guards everything behind it.
+// What the tasks share; the lock guards everything behind it.
 struct WriteRun {
-  std::atomic<size_t> Next{0};
   std::atomic<bool> Failed{false};
   std::mutex Lock;
   ExportTally Tally;
@@ -257,45 +255,44 @@ struct WriteRun {
   std::string Error;  // the first failure's message
 };
 
-void WriteSome(WriteFolder& folder, const std::vector<ExportItem>& items,
-               const ContentFn& contentOf, ProgressLine& progress, WriteRun& run) {
-  for (size_t i = run.Next++; i < items.size() && !run.Failed; i = run.Next++) {
-    const ExportItem& item = items[i];
-    const ExportContent content = contentOf(item);
-    WriteFailure failure;
-    std::string error;
-    if (!content.Empty &&
-        !WriteWhole(folder, item.Name, content.Bytes.data(), content.Bytes.size(), failure))
-      error = WriteFailureText(failure);
-    const std::lock_guard lock(run.Lock);
-    if (!content.Problem.empty()) {
-      progress.Say(content.Problem);
-      ++run.Tally.Undecoded;
-      continue;
-    }
-    if (!error.empty()) {
-      if (!run.Failed.exchange(true)) run.Error = error;
-      return;
-    }
-    ++(content.Empty                      ? run.Tally.WithoutPixels
-       : item.Kind == ExportKind::Picture ? run.Tally.Pictures
-       : item.Kind == ExportKind::Sound   ? run.Tally.Sounds
-                                          : run.Tally.ByteFiles);
-    progress.Step(++run.Done);
+void WriteOne(WriteFolder& folder, const ExportItem& item, const ContentFn& contentOf,
+              ProgressLine& progress, WriteRun& run) {
+  if (run.Failed) return;
+  const ExportContent content = contentOf(item);
+  WriteFailure failure;
+  std::string error;
+  if (!content.Empty &&
+      !WriteWhole(folder, item.Name, content.Bytes.data(), content.Bytes.size(), failure))
+    error = WriteFailureText(failure);
+  const std::lock_guard lock(run.Lock);
+  if (!content.Problem.empty()) {
+    progress.Say(content.Problem);
+    ++run.Tally.Undecoded;
+    return;
   }
+  if (!error.empty()) {
+    if (!run.Failed.exchange(true)) run.Error = error;
+    return;
+  }
+  ++(content.Empty                      ? run.Tally.WithoutPixels
+     : item.Kind == ExportKind::Picture ? run.Tally.Pictures
+     : item.Kind == ExportKind::Sound   ? run.Tally.Sounds
+                                        : run.Tally.ByteFiles);
+  progress.Step(++run.Done);
 }
 
-// Encodes and writes every item on all cores, then puts them in place after one sync. On the
-// first failure the workers stop and what this run began is removed; false with the message.
+// Encodes and writes every item on the thread pool, then puts them in place after one sync. On
+// the first failure the rest is skipped and what this run began is undone; false with the
+// message.
 bool WriteItems(WriteFolder& folder, const std::vector<ExportItem>& items,
                 const ContentFn& contentOf, ExportTally& tally, std::string& error) {
   WriteRun run;
   run.Tally = tally;
   {
     ProgressLine progress(static_cast<int32_t>(items.size()));
-    std::vector<std::jthread> workers(std::max(1U, std::thread::hardware_concurrency()));
-    for (std::jthread& worker : workers)
-      worker = std::jthread([&] { WriteSome(folder, items, contentOf, progress, run); });
+    QtConcurrent::blockingMap(items.begin(), items.end(), [&](const ExportItem& item) {
+      WriteOne(folder, item, contentOf, progress, run);
+    });
   }
   WriteFailure failure;
   if (!run.Failed && !PlaceWritten(folder, failure)) {
@@ -310,9 +307,9 @@ bool WriteItems(WriteFolder& folder, const std::vector<ExportItem>& items,
 
 void PrintSummary(const ExportTally& tally, int32_t sprites, const QString& dir) {
   // The listing is one of the files, and counted apart.
-  std::printf("Wrote %d files for %d sprites to %s: %d PNG",
-              tally.Pictures + tally.Sounds + tally.ByteFiles, sprites, qPrintable(dir),
-              tally.Pictures);
+  const int32_t files = tally.Pictures + tally.Sounds + tally.ByteFiles;
+  std::printf("Wrote %d %s for %d %s to %s: %d PNG", files, files == 1 ? "file" : "files", sprites,
+              sprites == 1 ? "sprite" : "sprites", qPrintable(dir), tally.Pictures);
   if (tally.Sounds > 0) std::printf(", %d WAV", tally.Sounds);
   if (tally.ByteFiles > 1) std::printf(", %d BIN", tally.ByteFiles - 1);
   std::printf(", 1 NFO");
@@ -352,8 +349,8 @@ int CmdExport(const std::vector<std::string>& args) {
     if (parser.isSet(*option))
       values[option->names().front().toStdString()] =
           parser.value(*option).toLocal8Bit().toStdString();
-  CliColours colours;
-  if (const int status = ChooseColours(file, reading, values, true, colours); status != kExitOk)
+  Look look;
+  if (const int status = ChooseLook(file, reading, values, true, look); status != kExitOk)
     return status;
   ExportTally tally;
   std::string listing;
@@ -387,9 +384,8 @@ int CmdExport(const std::vector<std::string>& args) {
   std::signal(SIGXFSZ, SIG_IGN);
   std::string error;
   const bool done = WriteItems(
-      folder, items,
-      [&](const ExportItem& item) { return ItemContent(file, colours, listing, item); }, tally,
-      error);
+      folder, items, [&](const ExportItem& item) { return ItemContent(file, look, listing, item); },
+      tally, error);
   CloseWriteFolder(folder);
   if (!done) {
     std::fprintf(stderr, "vossel-cli: %s\n", error.c_str());
@@ -407,13 +403,18 @@ bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int
     error = "the PNG encoder failed";
     return false;
   }
+  return WriteFileWhole(path, png, error);
+}
+
+bool WriteFileWhole(const std::string& path, const std::vector<uint8_t>& bytes,
+                    std::string& error) {
   const QFileInfo target(QFile::decodeName(path.c_str()));
   WriteFolder folder;
   WriteFailure failure;
   std::signal(SIGXFSZ, SIG_IGN);
   const bool written =
       OpenWriteFolder(target.absolutePath().toLocal8Bit().toStdString(), folder, failure) &&
-      WriteWhole(folder, target.fileName().toLocal8Bit().toStdString(), png.data(), png.size(),
+      WriteWhole(folder, target.fileName().toLocal8Bit().toStdString(), bytes.data(), bytes.size(),
                  failure) &&
       PlaceWritten(folder, failure);
   if (!written) {

@@ -20,9 +20,12 @@ namespace {
 constexpr char kTemporaryPrefix[] = ".vossel-";
 constexpr char kTemporarySuffix[] = ".part";
 
-std::string TemporaryName(uint32_t serial) {
+// Numbered across the process: several folders of one run may be written at once.
+std::string TemporaryName() {
+  static std::atomic<uint32_t> serial{0};
   static const pid_t self = getpid();
-  return kTemporaryPrefix + std::to_string(self) + '-' + std::to_string(serial) + kTemporarySuffix;
+  return kTemporaryPrefix + std::to_string(self) + '-' + std::to_string(serial++) +
+         kTemporarySuffix;
 }
 
 // The process that wrote the temporary file `name`, or 0 when the name is not one of ours.
@@ -92,9 +95,7 @@ bool OpenWriteFolder(const std::string& path, WriteFolder& folder, WriteFailure&
 
 bool WriteWhole(WriteFolder& folder, const std::string& name, const void* bytes, size_t size,
                 WriteFailure& failure) {
-  // Numbered across the process: several folders of one run may be written at once.
-  static std::atomic<uint32_t> serial{0};
-  std::string temporary = TemporaryName(serial++);
+  std::string temporary = TemporaryName();
   const int fd =
       openat(folder.Descriptor, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (fd < 0) return Fail(failure, PathOf(folder, name), errno);
@@ -120,26 +121,39 @@ bool PlaceWritten(WriteFolder& folder, WriteFailure& failure) {
   // In the order of their names, so that a kill leaves the first ones.
   std::sort(folder.Pending.begin(), folder.Pending.end(),
             [](const PendingFile& a, const PendingFile& b) { return a.Name < b.Name; });
+  const int fd = folder.Descriptor;
   for (size_t i = 0; i < folder.Pending.size(); ++i) {
     const PendingFile& file = folder.Pending[i];
-    if (renameat(folder.Descriptor, file.Temporary.c_str(), folder.Descriptor, file.Name.c_str()) !=
-        0) {
+    // A second name for the file that is there, so that a failure further on can put it back.
+    PlacedFile placed{file.Name, TemporaryName()};
+    if (linkat(fd, file.Name.c_str(), fd, placed.Backup.c_str(), 0) != 0) placed.Backup.clear();
+    if (renameat(fd, file.Temporary.c_str(), fd, file.Name.c_str()) != 0) {
       Fail(failure, PathOf(folder, file.Name), errno);
+      if (!placed.Backup.empty()) unlinkat(fd, placed.Backup.c_str(), 0);
       folder.Pending.erase(folder.Pending.begin(), folder.Pending.begin() + static_cast<long>(i));
       return false;
     }
-    folder.Placed.push_back(file.Name);
+    folder.Placed.push_back(std::move(placed));
   }
   folder.Pending.clear();
-  if (fsync(folder.Descriptor) != 0) return Fail(failure, folder.Path, errno);
+  if (fsync(fd) != 0) return Fail(failure, folder.Path, errno);
+  // Every file is in place: what they replaced can go.
+  for (const PlacedFile& placed : folder.Placed)
+    if (!placed.Backup.empty()) unlinkat(fd, placed.Backup.c_str(), 0);
+  folder.Placed.clear();
   return true;
 }
 
 void UndoWritten(WriteFolder& folder) {
   const std::lock_guard lock(folder.Lock);
-  for (const PendingFile& file : folder.Pending)
-    unlinkat(folder.Descriptor, file.Temporary.c_str(), 0);
-  for (const std::string& name : folder.Placed) unlinkat(folder.Descriptor, name.c_str(), 0);
+  const int fd = folder.Descriptor;
+  for (const PendingFile& file : folder.Pending) unlinkat(fd, file.Temporary.c_str(), 0);
+  for (const PlacedFile& placed : folder.Placed) {
+    if (placed.Backup.empty())
+      unlinkat(fd, placed.Name.c_str(), 0);
+    else
+      renameat(fd, placed.Backup.c_str(), fd, placed.Name.c_str());
+  }
   folder.Pending.clear();
   folder.Placed.clear();
 }

@@ -25,13 +25,19 @@ struct PendingFile {
   std::string Name;
 };
 
+// A file put in place; the file it replaced is kept under Backup until the run has succeeded.
+struct PlacedFile {
+  std::string Name;
+  std::string Backup;  // empty when nothing was replaced
+};
+
 // A folder being written into by one run. WriteWhole may be called from several threads at once.
 struct WriteFolder {
   std::string Path;
   int32_t Descriptor = -1;
   std::mutex Lock;  // guards the lists
   std::vector<PendingFile> Pending;
-  std::vector<std::string> Placed;  // names this run renamed into place
+  std::vector<PlacedFile> Placed;  // files this run renamed into place
 };
 
 // Opens the folder, which must exist, and removes the temporary files that runs killed before
@@ -43,13 +49,14 @@ bool OpenWriteFolder(const std::string& path, WriteFolder& folder, WriteFailure&
 bool WriteWhole(WriteFolder& folder, const std::string& name, const void* bytes, size_t size,
                 WriteFailure& failure);
 
-// Syncs the folder's file system once, then renames every written file into place, replacing one
-// that is there, then syncs the folder. Call it once no WriteWhole is under way. On failure some
-// files may be in place already; UndoWritten removes them.
+// Syncs the folder's file system once, then renames every written file into place, then syncs the
+// folder. A file that is there is replaced, and kept under a temporary name until every file is in
+// place. Call it once no WriteWhole is under way. On failure some files may be in place already;
+// UndoWritten puts back what was there.
 bool PlaceWritten(WriteFolder& folder, WriteFailure& failure);
 
-// Removes what this run began: the files still under temporary names and those put in place.
-// Call it once no WriteWhole is under way.
+// Undoes what this run began: the files still under temporary names go, those put in place go,
+// and the files they replaced come back, whole. Call it once no WriteWhole is under way.
 void UndoWritten(WriteFolder& folder);
 
 void CloseWriteFolder(WriteFolder& folder);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 
 #include "commands.h"
@@ -40,12 +41,16 @@ bool PickAlternative(const GrfFile& file, int32_t index, const AlternativeWish& 
                       (wish.Depth == 0 || wish.Depth == 8);
   if (!single) alternative = FindAlternative(file, index, wish.Zoom, wish.Depth);
   if (single || alternative >= 0) return true;
-  const std::string present = file.HasAlternatives ? AlternativeList(file, index) : "8bpp normal";
-  std::string wanted = wish.Depth != 0 ? std::to_string(wish.Depth) + "bpp" : "";
-  if (wish.Zoom >= 0) {
-    if (!wanted.empty()) wanted += ' ';
-    wanted += ZoomName(static_cast<uint8_t>(wish.Zoom));
-  }
+  // A sprite of a file without alternatives is one 8-bit picture at normal zoom.
+  const std::string present =
+      file.HasAlternatives ? AlternativeList(file, index) : AlternativeText(AlternativeInfo{});
+  // What was asked, in the words of AlternativeText: either part alone where only one was given.
+  AlternativeInfo asked;
+  asked.Zoom = static_cast<uint8_t>(std::max(wish.Zoom, 0));
+  asked.Depth = static_cast<uint8_t>(wish.Depth);
+  std::string wanted = AlternativeText(asked);
+  if (wish.Depth == 0) wanted = wanted.substr(wanted.find(' ') + 1);
+  if (wish.Zoom < 0) wanted = wanted.substr(0, wanted.find(' '));
   FileError(file.Path, "sprite " + std::to_string(index + 1) + " has no " + wanted +
                            " alternative; it has: " + (present.empty() ? "none" : present));
   return false;

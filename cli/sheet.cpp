@@ -1,20 +1,23 @@
 // vossel-cli sheet FILE OUT.png: the sprites of FILE as a grid of cells in one or more PNG files,
 // as the Sprite Sheet window shows them.
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <deque>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <QFile>
 #include <QFileInfo>
+#include <QFuture>
 #include <QImage>
 #include <QPainter>
+#include <QThread>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include "commands.h"
 #include "output.h"
+#include "pngwrite.h"
 #include "sheet.h"
 
 namespace vossel {
@@ -22,14 +25,14 @@ namespace vossel {
 namespace {
 
 const char kSheetUsage[] =
-    "Usage: vossel-cli sheet FILE OUT.png [--columns N] [--cell PX] [--first A] [--last B] "
+    "Usage: vossel-cli sheet FILE OUT.png|- [--columns N] [--cell PX] [--first A] [--last B] "
+    "[--pictures|--pseudo-sprites] [--role any|action-sprites|base-sprites|recolour-maps|glyphs] "
     "[--palette windows|dos|declared|PAL] [--company COLOUR] [--base-set FILE] [--zoom LEVEL] "
-    "[--depth 8|32] [--force]\n";
+    "[--depth 8|32] [--transparent] [--force]\n";
 
 // No sheet is larger than this across or down; the sprites that do not fit go to further sheets.
 constexpr int32_t kMaxSheetSide = 8192;
 constexpr int32_t kDefaultColumns = 16;
-// A light compression: a sheet is large, and the encoder's default costs four times as long.
 
 int UsageError(const std::string& why) {
   std::fprintf(stderr, "vossel-cli: %s\n%s", why.c_str(), kSheetUsage);
@@ -62,89 +65,157 @@ std::string SheetName(const std::string& out, int32_t page) {
   return out.substr(0, dot) + "-" + std::to_string(page + 1) + out.substr(dot);
 }
 
-// The colour choices of the command line, drawn as the window draws them; --company (empty when
-// not given) joins them here as the window's company colour does.
-SheetLook CliLook(const CliColours& colours, const AlternativeWish& wish) {
-  SheetChoices choices;
-  choices.Palette = colours.Palette;
-  choices.Zoom = wish.Zoom;
-  choices.Depth = wish.Depth;
-  choices.Company = colours.Company;
-  choices.Map = colours.Map;
-  return LookOf(choices);
+// The role of --role: the window's word for it, or its caption, in any case.
+bool ParseRole(const std::string& text, SheetRole& role) {
+  const QString given = QString::fromStdString(text).trimmed();
+  for (const SheetRoleName& name : kSheetRoleNames)
+    if (given.compare(QLatin1String(name.Word), Qt::CaseInsensitive) == 0 ||
+        given.compare(QLatin1String(name.Caption), Qt::CaseInsensitive) == 0) {
+      role = name.Role;
+      return true;
+    }
+  return false;
 }
 
-// The cells' pictures of `sprites`, decoded and scaled on every core; `failed` counts the
-// pictures that could not be made.
-std::vector<QImage> CellPictures(const GrfFile& file, const std::vector<SheetEntry>& entries,
-                                 const std::vector<int32_t>& sprites, const SheetLook& look,
-                                 int32_t cell, std::vector<std::string>& problems) {
-  std::vector<QImage> pictures(sprites.size());
-  std::vector<GrfResult> results(sprites.size(), GrfResult::Ok);
-  std::atomic<size_t> next{0};
-  {
-    std::vector<std::jthread> workers;
-    const unsigned count = std::max(1u, std::thread::hardware_concurrency());
-    for (unsigned k = 0; k < count; ++k)
-      workers.emplace_back([&] {
-        for (size_t i = next++; i < sprites.size(); i = next++)
-          pictures[i] = SheetPicture(file, sprites[i], entries[static_cast<size_t>(sprites[i])],
-                                     look, cell, results[i]);
-      });
-  }
-  for (size_t i = 0; i < sprites.size(); ++i)
-    if (results[i] != GrfResult::Ok)
-      problems.push_back("sprite " + std::to_string(sprites[i] + 1) + ": " +
-                         PictureProblem(file, sprites[i],
-                                        entries[static_cast<size_t>(sprites[i])].Alternative,
-                                        results[i]));
-  return pictures;
-}
-
-// A sheet on its way to its file.
-struct SheetWrite {
-  std::string Name;
-  QImage Sheet;
-  int32_t First = 0, Last = 0;
-  bool Ok = false;
-  std::string Error;
-  std::jthread Thread;
+// One row of cells, drawn apart from the rest of its sheet.
+struct Band {
+  QImage Pixels;
+  std::vector<std::string> Problems;
 };
 
-// Waits for the sheet's file and says how it went.
-bool Finish(SheetWrite& w) {
-  w.Thread.join();
-  if (!w.Ok) {
-    std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", w.Name.c_str(), w.Error.c_str());
-    return false;
-  }
-  std::printf("%s: sprites %d to %d, %d x %d pixels\n", w.Name.c_str(), w.First + 1, w.Last + 1,
-              w.Sheet.width(), w.Sheet.height());
-  w.Sheet = QImage();
-  return true;
+// What every band of a run shares.
+struct SheetRun {
+  const GrfFile* File = nullptr;
+  const std::vector<SheetEntry>* Entries = nullptr;
+  const Look* Drawn = nullptr;
+  SheetLayout Layout;
+  std::vector<int32_t> Sprites;  // every sprite on the sheets, in order
+  int32_t PerSheet = 0;          // sprites a sheet
+};
+
+int32_t RowsOf(const SheetRun& run, int32_t page) {
+  const int64_t first = int64_t{page} * run.PerSheet;
+  const int64_t count =
+      std::min<int64_t>(run.PerSheet, static_cast<int64_t>(run.Sprites.size()) - first);
+  return static_cast<int32_t>((count + run.Layout.Columns - 1) / run.Layout.Columns);
 }
 
-QImage PaintSheet(const SheetLayout& layout, const std::vector<SheetEntry>& entries,
-                  const std::vector<int32_t>& sprites, const std::vector<QImage>& pictures) {
-  const auto count = static_cast<int32_t>(sprites.size());
-  const int32_t rows = (count + layout.Columns - 1) / layout.Columns;
-  QImage sheet(layout.Columns * layout.PitchX, rows * layout.PitchY, QImage::Format_RGB32);
-  sheet.fill(Qt::white);
-  QPainter painter(&sheet);
-  for (int32_t i = 0; i < count; ++i)
-    PaintSheetCell(painter, layout, SheetCellOrigin(layout, i), sprites[static_cast<size_t>(i)],
-                   entries[static_cast<size_t>(sprites[static_cast<size_t>(i)])],
-                   pictures[static_cast<size_t>(i)], false);
+// The cells of row `row` of sheet `page`, painted as the window paints them.
+Band DrawBand(const SheetRun& run, int32_t page, int32_t row) {
+  Band band;
+  const SheetLayout& layout = run.Layout;
+  band.Pixels = QImage(layout.Columns * layout.PitchX, layout.PitchY, QImage::Format_RGB32);
+  band.Pixels.fill(Qt::white);
+  QPainter painter(&band.Pixels);
+  const int64_t pageFirst = int64_t{page} * run.PerSheet;
+  const int64_t end = std::min<int64_t>(pageFirst + run.PerSheet, run.Sprites.size());
+  for (int64_t slot = int64_t{row} * layout.Columns;
+       slot < int64_t{row + 1} * layout.Columns && pageFirst + slot < end; ++slot) {
+    const int32_t sprite = run.Sprites[static_cast<size_t>(pageFirst + slot)];
+    const SheetEntry& entry = (*run.Entries)[static_cast<size_t>(sprite)];
+    GrfResult result = GrfResult::Ok;
+    const QImage picture = SheetPicture(*run.File, sprite, entry, *run.Drawn, layout.Cell, result);
+    if (result != GrfResult::Ok)
+      band.Problems.push_back("sprite " + std::to_string(sprite + 1) + ": " +
+                              PictureProblem(*run.File, sprite, entry.Alternative, result));
+    PaintSheetCell(painter, layout, SheetCellOrigin(layout, slot) - QPoint(0, row * layout.PitchY),
+                   sprite, entry, picture, false);
+  }
+  return band;
+}
+
+// Where a sheet's PNG goes: a file whole or not at all, or standard output.
+bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
+  std::string error;
+  if (name == "-") {
+    if (std::fwrite(png.data(), 1, png.size(), stdout) == png.size() && std::fflush(stdout) == 0)
+      return true;
+    std::perror("vossel-cli: cannot write to standard output");
+    return false;
+  }
+  if (WriteFileWhole(name, png, error)) return true;
+  std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", name.c_str(), error.c_str());
+  return false;
+}
+
+// One sheet encoded: its PNG's bytes (empty when the encoder failed) and the pictures that could
+// not be made.
+struct EncodedSheet {
+  std::vector<uint8_t> Png;
+  std::vector<std::string> Problems;
+};
+
+// Sheet `page`: its rows of cells drawn on the global thread pool, a few ahead, while this thread
+// encodes them in order, so that the sheet is never held whole.
+EncodedSheet EncodeSheet(const SheetRun& run, int32_t page) {
+  EncodedSheet sheet;
+  const int32_t rows = RowsOf(run, page);
+  PngRowsPtr encoder =
+      StartPngRows(run.Layout.Columns * run.Layout.PitchX, rows * run.Layout.PitchY, {}, sheet.Png);
+  const int32_t ahead = 2 * std::max(QThread::idealThreadCount(), 1);
+  std::deque<QFuture<Band>> drawing;
+  int32_t next = 0;
+  for (int32_t row = 0; row < rows; ++row) {
+    for (; next < rows && next < row + ahead; ++next)
+      drawing.push_back(QtConcurrent::run(DrawBand, std::cref(run), page, next));
+    const Band band = drawing.front().result();
+    drawing.pop_front();
+    sheet.Problems.insert(sheet.Problems.end(), band.Problems.begin(), band.Problems.end());
+    for (int32_t y = 0; y < band.Pixels.height() && encoder; ++y)
+      AddPngRow(*encoder, band.Pixels.constScanLine(y));
+  }
+  if (!encoder || !FinishPngRows(*encoder)) sheet.Png.clear();
   return sheet;
+}
+
+// Every sheet of the run, a few encoded at once on a pool of their own (their rows are drawn on
+// the global one, so that neither waits for the other), then written and told in order. False
+// once a sheet could not be written.
+bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::string>& problems) {
+  const auto pages = static_cast<int32_t>((run.Sprites.size() + run.PerSheet - 1) / run.PerSheet);
+  QThreadPool encoders;
+  encoders.setMaxThreadCount(std::max(QThread::idealThreadCount(), 1));
+  std::deque<QFuture<EncodedSheet>> encoding;
+  int32_t next = 0;
+  const auto fill = [&] {
+    for (; next < pages && static_cast<int32_t>(encoding.size()) < encoders.maxThreadCount();
+         ++next)
+      encoding.push_back(QtConcurrent::run(&encoders, EncodeSheet, std::cref(run), next));
+  };
+  bool written = true;
+  for (int32_t page = 0; page < pages && written; ++page) {
+    fill();
+    const EncodedSheet sheet = encoding.front().result();
+    encoding.pop_front();
+    problems.insert(problems.end(), sheet.Problems.begin(), sheet.Problems.end());
+    const std::string name = SheetName(out, page);
+    if (sheet.Png.empty()) {
+      std::fprintf(stderr, "vossel-cli: cannot write '%s': the PNG encoder failed\n", name.c_str());
+      written = false;
+    } else if (!Deliver(name, sheet.Png)) {
+      written = false;
+    } else if (name != "-") {
+      const int64_t first = int64_t{page} * run.PerSheet;
+      const int64_t last =
+          std::min<int64_t>(first + run.PerSheet, static_cast<int64_t>(run.Sprites.size())) - 1;
+      std::printf("%s: sprites %d to %d, %d x %d pixels\n", name.c_str(),
+                  run.Sprites[static_cast<size_t>(first)] + 1,
+                  run.Sprites[static_cast<size_t>(last)] + 1,
+                  run.Layout.Columns * run.Layout.PitchX, RowsOf(run, page) * run.Layout.PitchY);
+    }
+  }
+  // Sheets still being encoded use the run; they end before it goes.
+  encoders.waitForDone();
+  return written;
 }
 
 }  // namespace
 
 int CmdSheet(const std::vector<std::string>& args) {
-  const CommandArgs parsed = ParseCommand(
-      args, 2,
-      {"columns", "cell", "first", "last", "palette", "company", "base-set", "zoom", "depth"},
-      {"force"});
+  const CommandArgs parsed = ParseCommand(args, 2,
+                                          {"columns", "cell", "first", "last", "palette", "company",
+                                           "base-set", "zoom", "depth", "role"},
+                                          {"force", "pictures", "pseudo-sprites", "transparent"});
   if (parsed.TooFew) return UsageError("sheet needs FILE and OUT.png");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
   std::string why;
@@ -157,6 +228,17 @@ int CmdSheet(const std::vector<std::string>& args) {
   for (const char* name : {"first", "last"})
     if (parsed.Values.count(name) > 0 && !IsSpriteNumberText(parsed.Values.at(name)))
       return UsageError("'" + parsed.Values.at(name) + "' is not a sprite number");
+  SheetFilter filter;
+  if (parsed.Values.count("pictures") > 0 && parsed.Values.count("pseudo-sprites") > 0)
+    return UsageError("--pictures and --pseudo-sprites leave nothing to show; give one of them");
+  if (parsed.Values.count("pictures") > 0) filter.Kinds = SheetKinds::Pictures;
+  if (parsed.Values.count("pseudo-sprites") > 0) filter.Kinds = SheetKinds::PseudoSprites;
+  if (const auto role = parsed.Values.find("role");
+      role != parsed.Values.end() && !ParseRole(role->second, filter.Role))
+    return UsageError(
+        "--role takes any, action-sprites, base-sprites, recolour-maps or glyphs, "
+        "not '" +
+        role->second + "'");
   const SheetLayout layout = MakeSheetLayout(cell, columns);
   if (int64_t{layout.Columns} * layout.PitchX > kMaxSheetSide)
     return UsageError("at most " + std::to_string(kMaxSheetSide / layout.PitchX) + " columns of " +
@@ -164,6 +246,7 @@ int CmdSheet(const std::vector<std::string>& args) {
                       std::to_string(kMaxSheetSide) + " pixels");
 
   const std::string& fileName = args[0];
+  const std::string& out = parsed.Positional[1];
   GrfFile file;
   FileReading reading;
   if (LoadForCli(fileName, file, &reading) != kExitOk) return kExitFailure;
@@ -180,18 +263,32 @@ int CmdSheet(const std::vector<std::string>& args) {
     return kExitFailure;
   }
 
-  CliColours colours;
-  if (const int status = ChooseColours(file, reading, parsed.Values, true, colours);
+  Look look;
+  if (const int status = ChooseLook(file, reading, parsed.Values, true, look, &wish);
       status != kExitOk)
     return status;
-  const SheetLook look = CliLook(colours, wish);
   const std::vector<SheetEntry> entries = SheetEntries(file, reading, wish.Zoom, wish.Depth);
-  const std::vector<int32_t> all = FilterSheet(entries, {}, SheetFilter{}, first, last);
-  const int32_t perSheet = kMaxSheetSide / layout.PitchY * layout.Columns;
-  const auto pages = static_cast<int32_t>((all.size() + perSheet - 1) / perSheet);
-  if (parsed.Values.count("force") == 0) {
+  SheetRun run;
+  run.File = &file;
+  run.Entries = &entries;
+  run.Drawn = &look;
+  run.Layout = layout;
+  run.Sprites = FilterSheet(entries, SheetRolesOf(reading), filter, first, last);
+  run.PerSheet = kMaxSheetSide / layout.PitchY * layout.Columns;
+  if (run.Sprites.empty()) {
+    FileError(fileName, "no sprite passes the filters; no sheet written");
+    return kExitFailure;
+  }
+  const auto pages = static_cast<int32_t>((run.Sprites.size() + run.PerSheet - 1) / run.PerSheet);
+  if (out == "-" && pages > 1) {
+    FileError(fileName, "the sprites take " + std::to_string(pages) +
+                            " sheets, and standard output takes one; give --first and --last, "
+                            "or a file name");
+    return kExitFailure;
+  }
+  if (parsed.Values.count("force") == 0 && out != "-") {
     for (int32_t page = 0; page < pages; ++page) {
-      const std::string name = SheetName(parsed.Positional[1], page);
+      const std::string name = SheetName(out, page);
       if (!QFileInfo::exists(QFile::decodeName(name.c_str()))) continue;
       std::fprintf(stderr,
                    "vossel-cli: %s is there already; nothing was written. Give --force "
@@ -200,30 +297,8 @@ int CmdSheet(const std::vector<std::string>& args) {
       return kExitFailure;
     }
   }
-
-  // Encoding takes longest, so sheets are encoded and written on their own threads, a few at once;
-  // they are reported in order.
   std::vector<std::string> problems;
-  std::deque<SheetWrite> writes;
-  const size_t writers = std::max(1u, std::thread::hardware_concurrency());
-  bool written = true;
-  for (int32_t page = 0; page < pages && written; ++page) {
-    const auto from = all.begin() + int64_t{page} * perSheet;
-    const std::vector<int32_t> sprites(from, std::min(from + perSheet, all.end()));
-    if (writes.size() >= writers) {
-      written = Finish(writes.front());
-      writes.pop_front();
-    }
-    SheetWrite& w = writes.emplace_back();
-    w.Name = SheetName(parsed.Positional[1], page);
-    w.First = sprites.front();
-    w.Last = sprites.back();
-    w.Sheet = PaintSheet(layout, entries, sprites,
-                         CellPictures(file, entries, sprites, look, layout.Cell, problems));
-    w.Thread = std::jthread([&w] { w.Ok = WritePngFile(w.Name, w.Sheet, 0, 0, w.Error); });
-  }
-  for (; !writes.empty(); writes.pop_front()) written = Finish(writes.front()) && written;
-  if (!written) return kExitFailure;
+  if (!WriteSheets(run, out, problems)) return kExitFailure;
   for (const std::string& problem : problems) FileError(fileName, problem);
   return FinishOutput(LoadStatus(file));
 }

@@ -49,7 +49,7 @@ QString Text(const std::string& text) {
 
 // The same facts as the lines, numbers as numbers.
 QJsonObject FactsJson(const GrfFile& file, int32_t index, int32_t alternative,
-                      const FileReading& reading, const CliColours& colours) {
+                      const FileReading& reading, const Look& look) {
   const SpriteFacts f = FactsOf(file, index, alternative);
   QJsonObject object = SpriteKeys(index);
   object.insert("file", Text(file.Path));
@@ -68,7 +68,7 @@ QJsonObject FactsJson(const GrfFile& file, int32_t index, int32_t alternative,
     object.insert("zoom", Text(ZoomName(a.Zoom)));
     object.insert("depth", a.Depth);
   }
-  if (f.Kind != SpriteKind::Pseudo) object.insert("palette", Text(colours.PaletteText));
+  if (f.Kind != SpriteKind::Pseudo) object.insert("palette", Text(look.PaletteText));
   const SpriteRole& role = reading.Actions.Sprites[static_cast<size_t>(index)];
   const std::vector<ActionRecord>& actions = reading.Actions.Actions;
   const bool own = role.Kind == RoleKind::Action || role.Kind == RoleKind::SpriteCount;
@@ -120,13 +120,13 @@ int WritePicture(const std::string& fileName, const std::string& png, bool force
 // picture: an image decoded now, data as a strip of palette indices as an action sprite is shown.
 int ShowSprite(const GrfFile& file, const std::string& fileName, int32_t index, int32_t alternative,
                const std::string* png, bool force, SpriteTelling telling,
-               const FileReading& reading, const CliColours& colours) {
+               const FileReading& reading, const Look& look) {
   const SpriteFacts f = FactsOf(file, index, alternative);
   const AlternativeInfo a = AlternativeOf(file, index, alternative);
   // A pseudo-sprite is told by what it says, not drawn.
   const bool pseudo = f.Kind == SpriteKind::Pseudo;
   if (telling.Json) {
-    if (const int status = PrintJson(FactsJson(file, index, alternative, reading, colours));
+    if (const int status = PrintJson(FactsJson(file, index, alternative, reading, look));
         status != kExitOk)
       return status;
   } else if (telling.Text) {
@@ -135,7 +135,7 @@ int ShowSprite(const GrfFile& file, const std::string& fileName, int32_t index, 
       std::printf("Zoom: %s\n", ZoomName(a.Zoom).c_str());
       std::printf("Depth: %dbpp\n", static_cast<int>(a.Depth));
     }
-    if (!pseudo) std::printf("Palette: %s\n", colours.PaletteText.c_str());
+    if (!pseudo) std::printf("Palette: %s\n", look.PaletteText.c_str());
     // What the sprite is: a pseudo-sprite's action, summary and NFO line, a picture's role.
     for (const auto& [key, value] : SpriteDetails(file, reading, index))
       std::printf("%s: %s\n", key.c_str(), value.c_str());
@@ -153,7 +153,7 @@ int ShowSprite(const GrfFile& file, const std::string& fileName, int32_t index, 
     return kExitFailure;
   }
   if (png == nullptr) return LoadStatus(file);
-  const QImage bitmap = CliPicture(picture, colours);
+  const QImage bitmap = LookPixels(look, picture);
   if (bitmap.isNull()) {
     FileError(fileName, "sprite " + std::to_string(index + 1) + " has no pixels (" +
                             std::to_string(f.Width) + " x " + std::to_string(f.Height) +
@@ -192,12 +192,12 @@ int CmdSprite(const std::vector<std::string>& args) {
   if (!ParseSpriteNumber(args[0], args[1], SpriteCount(file), index)) return kExitFailure;
   if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
   // The palette is read whatever is asked, so that a wrong one is told at once.
-  CliColours colours;
-  if (const int status = ChooseColours(file, reading, parsed.Values, true, colours);
+  Look look;
+  if (const int status = ChooseLook(file, reading, parsed.Values, true, look, &wish);
       status != kExitOk)
     return status;
   return ShowSprite(file, args[0], index, alternative, wantPng ? &png->second : nullptr,
-                    parsed.Values.count("force") > 0, telling, reading, colours);
+                    parsed.Values.count("force") > 0, telling, reading, look);
 }
 
 }  // namespace vossel

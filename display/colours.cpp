@@ -33,14 +33,16 @@ const char* PaletteFileName(PaletteKind kind, bool toyland) {
   return toyland ? kWindowsToylandPaletteFileName : kPaletteFileName;
 }
 
-std::string PaletteFileFor(const PaletteChoice& choice, const PaletteDeclaration& declared) {
+std::string PaletteFileFor(const PaletteChoice& choice, const PaletteDeclaration& declared,
+                           const std::string& folder) {
+  const std::string shipped = folder.empty() ? ProgramFolder() : folder;
   switch (choice.Kind) {
     case PaletteChoiceKind::Windows:
-      return JoinPath(ProgramFolder(), kPaletteFileName);
+      return JoinPath(shipped, kPaletteFileName);
     case PaletteChoiceKind::Dos:
-      return JoinPath(ProgramFolder(), kDosPaletteFileName);
+      return JoinPath(shipped, kDosPaletteFileName);
     case PaletteChoiceKind::Declared:
-      return JoinPath(ProgramFolder(), PaletteFileName(declared.Kind, declared.Toyland));
+      return JoinPath(shipped, PaletteFileName(declared.Kind, declared.Toyland));
     case PaletteChoiceKind::File:
       break;
   }

@@ -25,6 +25,7 @@ enum class PaletteChoiceKind : uint8_t { Windows, Dos, Declared, File };
 struct PaletteChoice {
   PaletteChoiceKind Kind = PaletteChoiceKind::Declared;
   std::string Path;  // File only
+  bool operator==(const PaletteChoice&) const = default;
 };
 
 // "windows", "dos" and "declared" name those choices; any other text is a palette file's path
@@ -34,8 +35,10 @@ bool ParsePaletteChoice(const std::string& token, PaletteChoice& choice);
 // The shipped file of a palette.
 const char* PaletteFileName(PaletteKind kind, bool toyland);
 
-// The full name of the file the choice draws in: shipped files beside the program.
-std::string PaletteFileFor(const PaletteChoice& choice, const PaletteDeclaration& declared);
+// The full name of the file the choice draws in: shipped files in `folder`, the program's own
+// when it is empty.
+std::string PaletteFileFor(const PaletteChoice& choice, const PaletteDeclaration& declared,
+                           const std::string& folder = {});
 
 // Why the palette is the one in use: "DOS (declared by Action 14)", "DOS (chosen)",
 // "/tmp/my.pal (chosen)".

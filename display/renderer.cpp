@@ -92,7 +92,7 @@ void PaintCrosshair(QImage& canvas, QPoint origin) {
 QImage Shown(const QImage& picture, int32_t m, const QRect& part, bool transparentIndex0) {
   QImage shown = MagnifiedPart(picture, m, part);
   if (transparentIndex0 && shown.format() == QImage::Format_Indexed8 && shown.colorCount() > 0) {
-    shown.setColor(0, qRgba(0, 0, 0, 0));
+    ClearIndex0(shown);
     return CompositeOverChecker(shown, part.topLeft());
   }
   if (picture.hasAlphaChannel()) return CompositeOverChecker(shown, part.topLeft());
@@ -153,6 +153,11 @@ QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
     std::memcpy(picture.scanLine(static_cast<int>(y)), indices + y * width,
                 static_cast<size_t>(width));
   return picture;
+}
+
+void ClearIndex0(QImage& indexed) {
+  if (indexed.format() == QImage::Format_Indexed8 && indexed.colorCount() > 0)
+    indexed.setColor(0, qRgba(0, 0, 0, 0));
 }
 
 QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette) {

@@ -70,6 +70,9 @@ void PaintPicture(QImage& canvas, const QImage& picture, int32_t xOffset, int32_
 QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
                       const PaletteBuffer& palette);
 
+// Colour 0 of an 8-bit image made transparent, as the game leaves that index out.
+void ClearIndex0(QImage& indexed);
+
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);
 

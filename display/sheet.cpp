@@ -25,13 +25,14 @@ constexpr QRgb kTileColour = 0xFFFFF0C8;
 constexpr QRgb kTileBorder = 0xFFA08850;
 constexpr QRgb kHighlightColour = 0xFF3070D0;
 
-// The digits 0-9 and A-F, five rows of three bits each, the top row first. Drawn from rectangles
-// so that the window and the CLI give the same pixels whatever fonts the machine has.
-constexpr uint8_t kGlyphs[16][kGlyphHeight] = {
-    {7, 5, 5, 5, 7}, {2, 6, 2, 2, 7}, {7, 1, 7, 4, 7}, {7, 1, 3, 1, 7},
-    {5, 5, 7, 1, 1}, {7, 4, 7, 1, 7}, {7, 4, 7, 5, 7}, {7, 1, 1, 2, 2},
-    {7, 5, 7, 5, 7}, {7, 5, 7, 1, 7}, {2, 5, 7, 5, 5}, {6, 5, 6, 5, 6},
-    {3, 4, 4, 4, 3}, {6, 5, 5, 5, 6}, {7, 4, 6, 4, 7}, {7, 4, 6, 4, 4}};
+// The digits 0-9 and A-F, then #, five rows of three bits each, the top row first. Drawn from
+// rectangles so that the window and the CLI give the same pixels whatever fonts the machine has.
+constexpr uint8_t kGlyphs[17][kGlyphHeight] = {
+    {7, 5, 5, 5, 7}, {2, 6, 2, 2, 7}, {7, 1, 7, 4, 7}, {7, 1, 3, 1, 7}, {5, 5, 7, 1, 1},
+    {7, 4, 7, 1, 7}, {7, 4, 7, 5, 7}, {7, 1, 1, 2, 2}, {7, 5, 7, 5, 7}, {7, 5, 7, 1, 7},
+    {2, 5, 7, 5, 5}, {6, 5, 6, 5, 6}, {3, 4, 4, 4, 3}, {6, 5, 5, 5, 6}, {7, 4, 6, 4, 7},
+    {7, 4, 6, 4, 4}, {5, 7, 5, 7, 5}};
+constexpr int kHashGlyph = 16;
 
 int32_t TextWidth(const std::string& text, int32_t glyph) {
   const auto n = static_cast<int32_t>(text.size());
@@ -42,8 +43,8 @@ int32_t TextWidth(const std::string& text, int32_t glyph) {
 void PaintDigits(QPainter& painter, const std::string& text, QPoint at, int32_t glyph,
                  QRgb colour) {
   for (const char c : text) {
-    const int digit = c >= 'A' ? c - 'A' + 10 : c - '0';
-    if (digit < 0 || digit > 15) continue;
+    const int digit = c == '#' ? kHashGlyph : c >= 'A' ? c - 'A' + 10 : c - '0';
+    if (digit < 0 || digit > kHashGlyph) continue;
     for (int32_t row = 0; row < kGlyphHeight; ++row)
       for (int32_t column = 0; column < kGlyphWidth; ++column)
         if ((kGlyphs[digit][row] >> (kGlyphWidth - 1 - column)) & 1)
@@ -58,22 +59,6 @@ int32_t Clamp32(int64_t value) {
 }
 
 }  // namespace
-
-SheetLook LookOf(const SheetChoices& choices) {
-  SheetLook look;
-  look.Choices = choices;
-  look.Pixels = [choices](const SpritePicture& picture) {
-    QImage pixels = ViewPixels(picture, choices.Palette, choices.Mask,
-                               choices.Company ? &choices.Map : nullptr);
-    // Index 0 as the game leaves it out: the cell lays the picture over the checkerboard.
-    if (choices.Transparent && pixels.format() == QImage::Format_Indexed8) {
-      pixels.setColor(0, qRgba(0, 0, 0, 0));
-      pixels = pixels.convertToFormat(QImage::Format_ARGB32);
-    }
-    return pixels;
-  };
-  return look;
-}
 
 std::vector<SheetEntry> SheetEntries(const GrfFile& file, const FileReading& reading, int32_t zoom,
                                      int32_t depth) {
@@ -90,6 +75,8 @@ std::vector<SheetEntry> SheetEntries(const GrfFile& file, const FileReading& rea
     } else if (f.Kind == SpriteKind::Pseudo && static_cast<size_t>(i) < reading.Bytes.size() &&
                !reading.Bytes[static_cast<size_t>(i)].empty()) {
       e.Action = reading.Bytes[static_cast<size_t>(i)][0];
+      e.Count = static_cast<size_t>(i) < reading.Actions.Sprites.size() &&
+                reading.Actions.Sprites[static_cast<size_t>(i)].Kind == RoleKind::SpriteCount;
     }
   }
   return entries;
@@ -129,7 +116,7 @@ SheetLayout MakeSheetLayout(int32_t cell, int32_t columns) {
 }
 
 QPoint SheetCellOrigin(const SheetLayout& layout, int64_t slot) {
-  return QPoint(static_cast<int>(slot % layout.Columns * layout.PitchX),
+  return QPoint(static_cast<int>(layout.Left + slot % layout.Columns * layout.PitchX),
                 static_cast<int>(slot / layout.Columns * layout.PitchY));
 }
 
@@ -159,14 +146,15 @@ QImage CellPicture(const QImage& pixels, int32_t cell) {
   return scaled.convertToFormat(QImage::Format_RGB32);
 }
 
-QImage SheetPicture(const GrfFile& file, int32_t sprite, const SheetEntry& entry,
-                    const SheetLook& look, int32_t cell, GrfResult& result) {
+QImage SheetPicture(const GrfFile& file, int32_t sprite, const SheetEntry& entry, const Look& look,
+                    int32_t cell, GrfResult& result) {
   result = GrfResult::Ok;
-  if (entry.Kind != SpriteKind::Picture || entry.Alternative < 0 || !look.Pixels) return QImage();
+  if (entry.Kind != SpriteKind::Picture || entry.Alternative < 0) return QImage();
   SpritePicture picture;
   result = PictureOf(file, sprite, entry.Alternative, picture);
   if (result != GrfResult::Ok) return QImage();
-  return CellPicture(look.Pixels(picture), cell);
+  // Index 0 left out: the cell lays the picture over the checkerboard.
+  return CellPicture(LookPixelsCut(look, std::move(picture)), cell);
 }
 
 void PaintSheetCell(QPainter& painter, const SheetLayout& layout, QPoint origin, int32_t sprite,
@@ -180,7 +168,10 @@ void PaintSheetCell(QPainter& painter, const SheetLayout& layout, QPoint origin,
   if (entry.Kind != SpriteKind::Picture) {
     // A tile of half the square, wide enough for two digits.
     char action[4] = "";
-    if (entry.Action >= 0) std::snprintf(action, sizeof action, "%02X", entry.Action & 0xFF);
+    if (entry.Count)
+      std::snprintf(action, sizeof action, "#");
+    else if (entry.Action >= 0)
+      std::snprintf(action, sizeof action, "%02X", entry.Action & 0xFF);
     const int32_t side = std::max(layout.Cell / 2, TextWidth("00", g) + 4 * g);
     const QRect tile(square.x() + (layout.Cell - side) / 2, square.y() + (layout.Cell - side) / 2,
                      side, side);

@@ -11,8 +11,8 @@
 #include <QPoint>
 #include <QRect>
 
-#include "colours.h"
 #include "grffile.h"
+#include "look.h"
 #include "palette.h"
 #include "roles.h"
 
@@ -24,42 +24,35 @@ constexpr int32_t kMinSheetCell = 16;
 constexpr int32_t kMaxSheetCell = 256;
 constexpr int32_t kDefaultSheetCell = 64;
 
-// The choices of the main window that decide a picture's pixels. Equal choices draw alike, so a
-// choice added here is also one that makes the sheet draw anew.
-struct SheetChoices {
-  PaletteBuffer Palette{};
-  int32_t Zoom = -1;     // the chosen zoom level; -1: each sprite's default
-  int32_t Depth = 0;     // the chosen colour depth; 0: each sprite's default
-  bool Mask = false;     // a 32-bit picture's mask layer instead of its colours
-  bool Company = false;  // drawn in a company's colours, through Map
-  RecolourMap Map{};
-  bool Transparent = false;  // index 0 of 8-bit pictures shows the checkerboard
-  bool operator==(const SheetChoices&) const = default;
-};
-
-// The choices and the one function that applies them to a decoded picture. The function is
-// called from several threads at once, so it holds copies of what it needs.
-struct SheetLook {
-  SheetChoices Choices;
-  std::function<QImage(const SpritePicture&)> Pixels;
-};
-// The look of the choices as the main window draws them today (ViewPixels).
-SheetLook LookOf(const SheetChoices& choices);
-
 // What the grid needs of a sprite, worked out once: the alternative the choices show, its size
-// (0 x 0 for anything but a picture) and a pseudo-sprite's action byte.
+// (0 x 0 for anything but a picture) and a pseudo-sprite's action byte, or whether it is the
+// sprite count that opens the file.
 struct SheetEntry {
   int32_t Alternative = -1;
   int32_t Width = 0;
   int32_t Height = 0;
   SpriteKind Kind = SpriteKind::Picture;
   int16_t Action = -1;
+  bool Count = false;
 };
 // A pseudo-sprite's action is its first byte, as the file's reading holds it.
 std::vector<SheetEntry> SheetEntries(const GrfFile& file, const FileReading& reading, int32_t zoom,
                                      int32_t depth);
 
 enum class SheetKinds : uint8_t { All, Pictures, PseudoSprites };
+
+// The roles a sheet is filtered by: the window's captions and the CLI's words for them.
+struct SheetRoleName {
+  SheetRole Role;
+  const char* Caption;
+  const char* Word;
+};
+inline constexpr SheetRoleName kSheetRoleNames[] = {
+    {SheetRole::Unknown, "Any role", "any"},
+    {SheetRole::ActionSprite, "Action sprites", "action-sprites"},
+    {SheetRole::BaseSprite, "Base sprites", "base-sprites"},
+    {SheetRole::RecolourMap, "Recolour maps", "recolour-maps"},
+    {SheetRole::Glyph, "Glyphs", "glyphs"}};
 struct SheetFilter {
   SheetKinds Kinds = SheetKinds::All;
   SheetRole Role = SheetRole::Unknown;  // Unknown: any role
@@ -80,6 +73,7 @@ struct SheetLayout {
   int32_t Glyph = 1;
   int32_t PitchX = 0;  // from one cell to the next, across and down
   int32_t PitchY = 0;
+  int32_t Left = 0;  // where the first column starts: a window centres its columns
 };
 // The cell size is held to 16..256, the columns to at least 1.
 SheetLayout MakeSheetLayout(int32_t cell, int32_t columns);
@@ -94,13 +88,15 @@ QSize CellPictureSize(int32_t width, int32_t height, int32_t cell);
 // The pixels scaled by that rule: enlarged as the magnifier does (nearest neighbour), reduced
 // smoothly; alpha laid over the checkerboard. An opaque RGB32 image, null for a null picture.
 QImage CellPicture(const QImage& pixels, int32_t cell);
-// Sprite `sprite` decoded through its entry, turned into pixels by the look and scaled: null for
-// anything but a picture, and for a picture that cannot be made (`result` then says why).
-QImage SheetPicture(const GrfFile& file, int32_t sprite, const SheetEntry& entry,
-                    const SheetLook& look, int32_t cell, GrfResult& result);
+// Sprite `sprite` decoded through its entry, drawn in the look and scaled: null for anything but
+// a picture, and for a picture that cannot be made (`result` then says why). Safe to call from
+// several threads at once.
+QImage SheetPicture(const GrfFile& file, int32_t sprite, const SheetEntry& entry, const Look& look,
+                    int32_t cell, GrfResult& result);
 
 // Paints one cell at `origin`: a picture centred in its square (an empty frame while `picture`
-// is null), a pseudo-sprite as a small tile with its action in hex, and the number under it
+// is null), a pseudo-sprite as a small tile with its action in hex (the sprite count with #),
+// and the number under it
 // (counted from 1). The highlight marks the sprite on view in the window.
 void PaintSheetCell(QPainter& painter, const SheetLayout& layout, QPoint origin, int32_t sprite,
                     const SheetEntry& entry, const QImage& picture, bool highlighted);

@@ -94,12 +94,12 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
 }
 
 void frmItems::Attach(const GrfFile& file, const FileReading& reading, const GrfItems& items,
-                      const SheetLook& look) {
+                      const Look& look) {
   file_ = &file;
   reading_ = &reading;
   items_ = &items;
   look_ = look;
-  entries_ = SheetEntries(file, reading, look.Choices.Zoom, look.Choices.Depth);
+  entries_ = SheetEntries(file, reading, look.Zoom, look.Depth);
   const int32_t before = shown_;
   shown_ = -1;
   Refill();
@@ -120,11 +120,10 @@ void frmItems::Detach() {
   lblItem->clear();
 }
 
-void frmItems::Follow(const SheetLook& look) {
-  if (look.Choices == look_.Choices) return;
+void frmItems::Follow(const Look& look) {
+  if (look == look_) return;
   look_ = look;
-  if (file_ && reading_)
-    entries_ = SheetEntries(*file_, *reading_, look.Choices.Zoom, look.Choices.Depth);
+  if (file_ && reading_) entries_ = SheetEntries(*file_, *reading_, look.Zoom, look.Depth);
   if (shown_ >= 0) ShowItem(shown_);
 }
 

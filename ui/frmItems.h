@@ -28,11 +28,11 @@ class frmItems : public QWidget {
 
   // A file was loaded: `file`, `reading` and `items` must stay as they are until Detach.
   void Attach(const GrfFile& file, const FileReading& reading, const GrfItems& items,
-              const SheetLook& look);
+              const Look& look);
   // The file is about to change or close: the window empties.
   void Detach();
   // The main window's colours may have changed: thumbnails are drawn anew when they did.
-  void Follow(const SheetLook& look);
+  void Follow(const Look& look);
   // Selects an item in the tree and shows it; false when the file has no such item.
   bool SelectItem(uint8_t feature, uint32_t id);
   // Called with the sprite (from 0) of a thumbnail the user clicks.
@@ -55,7 +55,7 @@ class frmItems : public QWidget {
   const GrfFile* file_ = nullptr;
   const FileReading* reading_ = nullptr;
   const GrfItems* items_ = nullptr;
-  SheetLook look_;
+  Look look_;
   std::vector<SheetEntry> entries_;
   int32_t shown_ = -1;  // the item on view, an index into items_->Items
 };

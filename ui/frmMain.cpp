@@ -110,12 +110,10 @@ bool frmMain::DrawSprite(int32_t Index) {
     Li->SetListIndex(0);
   }
   const int32_t x = picture.XOffset, y = picture.YOffset;
-  const RecolourMap* map = View.Company >= 0 && HaveMaps
-                               ? &MapOf(Maps, static_cast<CompanyColour>(View.Company))
-                               : nullptr;
-  const QImage image = ViewPixels(std::move(picture), Palette, View.Mask, map);
+  const Look& look = LookOfView();
+  const QImage image = LookPixels(look, std::move(picture));
   PictureOptions options;
-  options.TransparentIndex0 = View.Transparent;
+  options.TransparentIndex0 = look.Transparent;
   options.AlignToOrigin = View.Origin;
   options.OriginShift = View.Pan;
   PaintPicture(picSprite->Image(), image, x, y, Left(scrSprite), ScaleHeight(picSprite),
@@ -159,6 +157,7 @@ void frmMain::LoadGRF() {
   DetachSheet();  // the file it shows is replaced from here on
   DetachItems();
   setEnabled(false);
+  StartMapsSearch();
 
   SetCaption(this, "Getting number of sprites...");
   DoEvents();

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include <QFuture>
 #include <QMainWindow>
 
 #include "colours.h"
@@ -21,6 +22,7 @@
 #include "frmItems.h"
 #include "frmSheet.h"
 #include "grffile.h"
+#include "look.h"
 #include "palette.h"
 #include "text.h"
 
@@ -257,23 +259,31 @@ class frmMain : public QMainWindow {
   void UpdateDetails();
   // Reads what the open file says about itself, once a load.
   void ReadFileOnce();
-  // After a load: the file's declared palette, its company colour maps, the palette in use.
+  // Starts the search of the installed base sets for company colour maps, for the file being
+  // loaded.
+  void StartMapsSearch();
+  // After a load: the file's declared palette and its company colour maps, waiting for the
+  // search when the file holds none.
   void TakeFileColours();
-  // Reads the palette View names into Palette; the palette file when it cannot be read.
-  void LoadViewPalette();
   // Dragging pans, the wheel steps through sprites, Ctrl+wheel magnifies.
   bool eventFilter(QObject* watched, QEvent* event) override;
   PaletteDeclaration Declared;
-  CompanyMaps Maps;
-  bool HaveMaps = false;
-  std::string MapsFrom;  // where the maps came from, for the menu's tip
+  // The company colour maps: the file's own, else what the search of the installed base sets
+  // found. The search starts with each load, off the window's thread.
+  FoundMaps Maps;
+  QFuture<FoundMaps> mapsSearch_;
+  // How the view draws, resolved again when View's choices change. The palette in use is also
+  // in Palette; the palette file's when the chosen one cannot be read.
+  Look Looking;
+  LookChoices lookChoices_;
+  bool lookStale_ = true;
   QPoint dragFrom_;
   bool dragging_ = false;
   // The alternative of a sprite to show: the chosen one where it has it, else its default.
   int32_t ShownAlternative(int32_t sprite) const;
   // The Sprite Sheet's part: what the view's choices make of a picture, and the file's coming
   // and going.
-  SheetLook LookOfView() const;
+  const Look& LookOfView();
   void AttachSheet();
   void DetachSheet();
   // The Items window's part (frmMain_items.cpp).

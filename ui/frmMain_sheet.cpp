@@ -5,18 +5,6 @@
 
 namespace vossel {
 
-SheetLook frmMain::LookOfView() const {
-  SheetChoices choices;
-  choices.Palette = Palette;
-  choices.Zoom = View.Zoom;
-  choices.Depth = View.Depth;
-  choices.Mask = View.Mask;
-  choices.Company = View.Company >= 0 && HaveMaps;
-  if (choices.Company) choices.Map = MapOf(Maps, static_cast<CompanyColour>(View.Company));
-  choices.Transparent = View.Transparent;
-  return LookOf(choices);
-}
-
 void frmMain::AttachSheet() {
   if (!SpriteSheet || SpriteCount(File) == 0) return;
   ReadFileOnce();

@@ -5,10 +5,13 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QEventLoop>
+#include <QFutureWatcher>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QWheelEvent>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include "composite.h"
 #include "frmMain.h"
@@ -173,7 +176,6 @@ void frmMain::mnuMaskLayer_Click() {
 void frmMain::mnuPalette_Click(PaletteChoiceKind kind) {
   View.Palette = kind;
   View.PaletteChosen = true;
-  LoadViewPalette();
   ShowView();
 }
 
@@ -199,38 +201,60 @@ void frmMain::ReadFileOnce() {
   ReadingDone = true;
 }
 
+namespace {
+
+// The search's result, pumping the window's events while it runs: the window stays drawn and
+// its timers run, as during the passes of a load.
+FoundMaps Waited(const QFuture<FoundMaps>& search) {
+  if (!search.isValid()) return FoundMaps{};
+  if (!search.isFinished()) {
+    QFutureWatcher<FoundMaps> watcher;
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(search);
+    if (!search.isFinished()) loop.exec();
+  }
+  return search.result();
+}
+
+}  // namespace
+
+void frmMain::StartMapsSearch() {
+  mapsSearch_ = QtConcurrent::run(InstalledMaps);
+}
+
 void frmMain::TakeFileColours() {
   ReadFileOnce();
   Declared = DeclaredPaletteOf(Reading);
-  if (!View.PaletteChosen)
-    View.Palette =
-        DrawsDeclaredPalette(File) ? PaletteChoiceKind::Declared : PaletteChoiceKind::Windows;
-  LoadViewPalette();
-  // The maps: the file's own when it is a base set, else those of an installed one, looked for
-  // once.
-  static CompanyMaps installed;
-  static std::string installedFrom = FindInstalledCompanyMaps(FindInstalledBaseSets(), installed);
-  HaveMaps = CompanyMapsOfFile(File, Maps) == CompanyMapsResult::Ok;
-  MapsFrom = HaveMaps ? File.Path : installedFrom;
-  if (!HaveMaps && !installedFrom.empty()) {
-    Maps = installed;
-    HaveMaps = true;
-  }
+  Maps = NearMaps(File, std::string());
+  if (SearchInstalled(Maps)) Maps = Waited(mapsSearch_);
+  mapsSearch_ = QFuture<FoundMaps>();
+  lookStale_ = true;
 }
 
-void frmMain::LoadViewPalette() {
-  // The palette file read at the start stays the fallback: a shipped palette that cannot be
-  // read is said once and the picture keeps its colours.
-  const PaletteChoice choice{View.Palette, std::string()};
-  PaletteBuffer chosen{};
-  if (View.Palette == PaletteChoiceKind::Windows && !Declared.Toyland) {
-    LoadPalette(PaletteFile, Palette);
-  } else if (LoadChosenPalette(choice, Declared, chosen) != 0) {
-    Palette = chosen;
-  } else {
-    AddMessage(PaletteFileFor(choice, Declared) + ": " + kMsgBadPalette);
-    LoadPalette(PaletteFile, Palette);
+const Look& frmMain::LookOfView() {
+  LookChoices choices;
+  // Until the user chooses, the file starts in the palette the window's rule gives it.
+  if (View.PaletteChosen) choices.Palette = PaletteChoice{View.Palette, std::string()};
+  choices.Company = View.Company;
+  choices.Transparent = View.Transparent;
+  choices.Mask = View.Mask;
+  choices.Zoom = View.Zoom;
+  choices.Depth = View.Depth;
+  choices.Folder = AppPath.empty() ? ProgramFolder() : AppPath;
+  if (!lookStale_ && choices == lookChoices_) return Looking;
+  lookChoices_ = choices;
+  lookStale_ = false;
+  Looking = ResolveLook(choices, FirstPalette::AsDesigned, File, Declared, Maps);
+  View.Palette = Looking.Chosen.Kind;
+  // A shipped palette that cannot be read is said, and the picture keeps the palette file's
+  // colours.
+  if (!Looking.PaletteRead) {
+    AddMessage(Looking.PaletteFile + ": " + kMsgBadPalette);
+    LoadPalette(PaletteFile, Looking.Palette);
   }
+  Palette = Looking.Palette;
+  return Looking;
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
@@ -312,11 +336,11 @@ void frmMain::UpdateViewItems() {
   mnuPaletteDeclared->setText(QString::fromStdString(DeclaredMenuText(Declared)));
   for (int32_t c = -1; c < kCompanyColourCount; ++c)
     mnuCompanyColour[static_cast<size_t>(c + 1)]->setChecked(View.Company == c);
-  mnuCompany->setEnabled(HaveMaps);
+  mnuCompany->setEnabled(Maps.Found);
   mnuCompany->menuAction()->setToolTip(
-      HaveMaps ? QString::fromStdString("Recolour maps from " + MapsFrom)
-               : QStringLiteral("No company colour maps: the file holds none and no base set "
-                                "with them is installed"));
+      Maps.Found ? QString::fromStdString("Recolour maps from " + Maps.From)
+                 : QStringLiteral("No company colour maps: the file holds none and no base set "
+                                  "with them is installed"));
   mnuTransparent->setChecked(View.Transparent);
   mnuAlignOrigin->setChecked(View.Origin);
 }

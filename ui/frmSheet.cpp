@@ -1,11 +1,6 @@
 #include "frmSheet.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <list>
-#include <mutex>
-#include <thread>
-#include <unordered_map>
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -17,6 +12,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
+#include <QThread>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -24,138 +20,14 @@ namespace vossel {
 
 namespace {
 
-// Scaled pictures kept, in bytes; the cells in sight are kept whatever this says.
-constexpr int64_t kCacheBytes = 32 * 1024 * 1024;
+// Scaled pictures kept, in bytes: room for a screen of the largest cells twice over, so that the
+// cells in sight never push each other out.
+constexpr qsizetype kCacheBytes = 64 * 1024 * 1024;
 // What a cell without pixels counts in the cache.
-constexpr int64_t kEntryBytes = 64;
+constexpr qsizetype kEntryBytes = 64;
 constexpr int32_t kCellWheelStep = 16;
 
 }  // namespace
-
-// The cells' pictures, most recently painted first.
-struct frmSheet::Cache {
-  struct Item {
-    QImage Picture;
-    std::list<int32_t>::iterator Place;
-    uint64_t Painted = 0;
-  };
-  std::unordered_map<int32_t, Item> Items;
-  std::list<int32_t> Order;
-  int64_t Bytes = 0;
-  uint64_t Paint = 0;  // the number of the paint under way
-
-  static int64_t SizeOf(const QImage& picture) { return kEntryBytes + picture.sizeInBytes(); }
-  const QImage* Find(int32_t sprite) {
-    const auto found = Items.find(sprite);
-    if (found == Items.end()) return nullptr;
-    Order.splice(Order.begin(), Order, found->second.Place);
-    found->second.Painted = Paint;
-    return &found->second.Picture;
-  }
-  void Add(int32_t sprite, QImage picture) {
-    if (Items.count(sprite) > 0) return;
-    Order.push_front(sprite);
-    Bytes += SizeOf(picture);
-    Items[sprite] = Item{std::move(picture), Order.begin(), Paint};
-    // Pictures painted by the last paint stay, so that a full window never evicts its own cells.
-    while (Bytes > kCacheBytes && Items.at(Order.back()).Painted + 1 < Paint) {
-      Bytes -= SizeOf(Items.at(Order.back()).Picture);
-      Items.erase(Order.back());
-      Order.pop_back();
-    }
-  }
-  void Clear() {
-    Items.clear();
-    Order.clear();
-    Bytes = 0;
-  }
-};
-
-// Workers that decode and scale the pictures of the cells asked for last, newest wish first. A
-// result goes to `deliver` on the worker's thread, with the generation it was asked under.
-class SheetDecoder {
- public:
-  struct Job {
-    int32_t Sprite = 0;
-    SheetEntry Entry;
-  };
-  using Deliver = std::function<void(uint64_t, int32_t, QImage)>;
-
-  explicit SheetDecoder(Deliver deliver) : deliver_(std::move(deliver)) {
-    const unsigned count = std::clamp(std::thread::hardware_concurrency(), 1u, 4u);
-    for (unsigned k = 0; k < count; ++k) threads_.emplace_back([this] { Work(); });
-  }
-  ~SheetDecoder() {
-    {
-      const std::lock_guard lock(m_);
-      quit_ = true;
-    }
-    wake_.notify_all();
-    threads_.clear();  // joins
-  }
-  // Replaces what waits. A sprite being decoded now under the same generation is not asked again.
-  void Want(const GrfFile* file, std::shared_ptr<const SheetLook> look, int32_t cell,
-            uint64_t generation, std::vector<Job> jobs) {
-    {
-      const std::lock_guard lock(m_);
-      if (generation == generation_)
-        std::erase_if(jobs, [this](const Job& j) {
-          return std::find(running_.begin(), running_.end(), j.Sprite) != running_.end();
-        });
-      file_ = file;
-      look_ = std::move(look);
-      cell_ = cell;
-      generation_ = generation;
-      jobs_ = std::move(jobs);
-      next_ = 0;
-    }
-    wake_.notify_all();
-  }
-  // Drops what waits; returns once no picture is being decoded.
-  void Stop() {
-    std::unique_lock lock(m_);
-    jobs_.clear();
-    next_ = 0;
-    idle_.wait(lock, [this] { return busy_ == 0; });
-  }
-
- private:
-  void Work() {
-    std::unique_lock lock(m_);
-    for (;;) {
-      wake_.wait(lock, [this] { return quit_ || next_ < jobs_.size(); });
-      if (quit_) return;
-      const Job job = jobs_[next_++];
-      const GrfFile* file = file_;
-      const std::shared_ptr<const SheetLook> look = look_;
-      const int32_t cell = cell_;
-      const uint64_t generation = generation_;
-      ++busy_;
-      running_.push_back(job.Sprite);
-      lock.unlock();
-      GrfResult result = GrfResult::Ok;
-      deliver_(generation, job.Sprite,
-               SheetPicture(*file, job.Sprite, job.Entry, *look, cell, result));
-      lock.lock();
-      running_.erase(std::find(running_.begin(), running_.end(), job.Sprite));
-      if (--busy_ == 0) idle_.notify_all();
-    }
-  }
-
-  Deliver deliver_;
-  std::mutex m_;
-  std::condition_variable wake_, idle_;
-  std::vector<Job> jobs_;
-  size_t next_ = 0;
-  const GrfFile* file_ = nullptr;
-  std::shared_ptr<const SheetLook> look_;
-  int32_t cell_ = kDefaultSheetCell;
-  uint64_t generation_ = 0;
-  int32_t busy_ = 0;
-  std::vector<int32_t> running_;
-  bool quit_ = false;
-  std::vector<std::jthread> threads_;  // last: started once the rest is ready
-};
 
 // The one widget that paints every cell in sight.
 class SheetGrid : public QWidget {
@@ -175,15 +47,8 @@ class SheetGrid : public QWidget {
     sheet_->KeepInSight(sheet_->highlighted_);
   }
   void mousePressEvent(QMouseEvent* event) override {
-    const SheetLayout& l = sheet_->layout_;
-    const QPoint at = event->position().toPoint();
-    const int64_t column = at.x() / l.PitchX;
-    const int64_t slot =
-        (int64_t{at.y()} + sheet_->scrGrid->value()) / l.PitchY * l.Columns + column;
-    if (event->button() != Qt::LeftButton || at.x() < 0 || column >= l.Columns || slot < 0 ||
-        slot >= static_cast<int64_t>(sheet_->shown_.size()))
-      return;
-    if (sheet_->Choose) sheet_->Choose(sheet_->shown_[static_cast<size_t>(slot)]);
+    const int32_t sprite = sheet_->SpriteAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && sprite >= 0 && sheet_->Choose) sheet_->Choose(sprite);
   }
   void wheelEvent(QWheelEvent* event) override {
     if (event->modifiers() & Qt::ControlModifier) {
@@ -199,27 +64,18 @@ class SheetGrid : public QWidget {
   frmSheet* sheet_;
 };
 
-frmSheet::frmSheet(QWidget* owner) : QWidget(owner, Qt::Window), cache_(std::make_unique<Cache>()) {
+frmSheet::frmSheet(QWidget* owner) : QWidget(owner, Qt::Window), cache_(kCacheBytes) {
   setWindowTitle(QString::fromLatin1(kSheetCaption));
   // Closing the main window ends the program even while the sheet is open.
   setAttribute(Qt::WA_QuitOnClose, false);
+  pool_.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 4));
   BuildControls();
-  // A result reaches the window through its event queue; one posted to a window that has gone is
-  // dropped with it.
-  decoder_ =
-      std::make_unique<SheetDecoder>([this](uint64_t generation, int32_t sprite, QImage picture) {
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, sprite, picture = std::move(picture)]() mutable {
-              Delivered(generation, sprite, std::move(picture));
-            },
-            Qt::QueuedConnection);
-      });
   resize(720, 520);
 }
 
 frmSheet::~frmSheet() {
-  decoder_.reset();
+  pool_.clear();
+  pool_.waitForDone();
 }
 
 void frmSheet::BuildControls() {
@@ -235,13 +91,8 @@ void frmSheet::BuildControls() {
   cboKinds->addItems({QStringLiteral("All sprites"), QStringLiteral("Pictures only"),
                       QStringLiteral("Pseudo-sprites only")});
   cboRole = new QComboBox(this);
-  const std::pair<const char*, SheetRole> roles[] = {{"Any role", SheetRole::Unknown},
-                                                     {"Action sprites", SheetRole::ActionSprite},
-                                                     {"Base sprites", SheetRole::BaseSprite},
-                                                     {"Recolour maps", SheetRole::RecolourMap},
-                                                     {"Glyphs", SheetRole::Glyph}};
-  for (const auto& [caption, role] : roles)
-    cboRole->addItem(QString::fromLatin1(caption), static_cast<int>(role));
+  for (const SheetRoleName& name : kSheetRoleNames)
+    cboRole->addItem(QString::fromLatin1(name.Caption), static_cast<int>(name.Role));
   spnMinWidth = new QSpinBox(this);
   spnMinHeight = new QSpinBox(this);
   for (QSpinBox* box : {spnMinWidth, spnMinHeight}) box->setRange(0, 65535);
@@ -249,12 +100,24 @@ void frmSheet::BuildControls() {
   spnMinHeight->setPrefix(QStringLiteral("H \u2265 "));
   txtGoTo = new QLineEdit(this);
   txtGoTo->setPlaceholderText(QStringLiteral("Go to #"));
-  txtGoTo->setMaximumWidth(90);
-  bar->addWidget(new QLabel(QStringLiteral("&Cell:"), this));
-  static_cast<QLabel*>(bar->itemAt(0)->widget())->setBuddy(sldCell);
-  for (QWidget* w : std::initializer_list<QWidget*>{sldCell, lblCell, cboKinds, cboRole,
-                                                    spnMinWidth, spnMinHeight, txtGoTo})
-    bar->addWidget(w);
+  txtGoTo->setMinimumWidth(txtGoTo->fontMetrics().horizontalAdvance(QStringLiteral("Go to #")) +
+                           24);
+  txtGoTo->setMaximumWidth(120);
+  // The cell size and Go To on one row, the filters on the next, so that a narrow window keeps
+  // every control whole.
+  auto* cellLabel = new QLabel(QStringLiteral("&Cell:"), this);
+  cellLabel->setBuddy(sldCell);
+  sldCell->setMinimumWidth(120);
+  lblCell->setMinimumWidth(lblCell->fontMetrics().horizontalAdvance(QStringLiteral("256 px")));
+  bar->addWidget(cellLabel);
+  bar->addWidget(sldCell, 1);
+  bar->addWidget(lblCell);
+  bar->addSpacing(12);
+  bar->addWidget(txtGoTo);
+  auto* filters = new QHBoxLayout;
+  for (QWidget* w : std::initializer_list<QWidget*>{cboKinds, cboRole, spnMinWidth, spnMinHeight})
+    filters->addWidget(w);
+  filters->addStretch(1);
 
   auto* middle = new QHBoxLayout;
   Grid = new SheetGrid(this);
@@ -265,6 +128,7 @@ void frmSheet::BuildControls() {
 
   auto* all = new QVBoxLayout(this);
   all->addLayout(bar);
+  all->addLayout(filters);
   all->addLayout(middle, 1);
   all->addWidget(lblStatus);
 
@@ -286,14 +150,13 @@ void frmSheet::BuildControls() {
 }
 
 void frmSheet::Attach(const GrfFile& file, const FileReading& reading, int32_t sprite,
-                      const SheetLook& look) {
+                      const Look& look) {
   Detach();
   file_ = &file;
   reading_ = &reading;
   roles_ = SheetRolesOf(reading);
-  look_ = look;
-  sharedLook_ = std::make_shared<const SheetLook>(look);
-  entries_ = SheetEntries(file, reading, look.Choices.Zoom, look.Choices.Depth);
+  look_ = std::make_shared<const Look>(look);
+  entries_ = SheetEntries(file, reading, look.Zoom, look.Depth);
   highlighted_ = sprite;
   setWindowTitle(QString::fromLatin1(kSheetCaption) + QStringLiteral(" - ") +
                  QString::fromStdString(file.Path));
@@ -302,7 +165,7 @@ void frmSheet::Attach(const GrfFile& file, const FileReading& reading, int32_t s
 
 void frmSheet::Detach() {
   Invalidate();
-  decoder_->Stop();
+  pool_.waitForDone();
   file_ = nullptr;
   reading_ = nullptr;
   entries_.clear();
@@ -314,26 +177,27 @@ void frmSheet::Detach() {
   UpdateStatus();
 }
 
-void frmSheet::Follow(int32_t sprite, const SheetLook& look) {
+void frmSheet::Follow(int32_t sprite, const Look& look) {
   if (file_ == nullptr) return;
   highlighted_ = sprite;
-  if (look.Choices == look_.Choices) {
+  if (look_ && look == *look_) {
     KeepInSight(sprite);
     UpdateStatus();
     Grid->update();
     return;
   }
   // Another zoom level or depth may pick other pictures, with other sizes.
-  look_ = look;
-  sharedLook_ = std::make_shared<const SheetLook>(look);
-  entries_ = SheetEntries(*file_, *reading_, look.Choices.Zoom, look.Choices.Depth);
+  look_ = std::make_shared<const Look>(look);
+  entries_ = SheetEntries(*file_, *reading_, look.Zoom, look.Depth);
   Invalidate();
   Refilter();
 }
 
 void frmSheet::Invalidate() {
   ++generation_;
-  cache_->Clear();
+  pool_.clear();
+  asked_.clear();
+  cache_.clear();
   Grid->update();
 }
 
@@ -353,6 +217,8 @@ void frmSheet::Refilter() {
 void frmSheet::Relayout() {
   const int32_t pitch = MakeSheetLayout(sldCell->value(), 1).PitchX;
   layout_ = MakeSheetLayout(sldCell->value(), Grid->width() / pitch);
+  // The columns stand in the middle, so that no edge is left empty on its own.
+  layout_.Left = std::max(Grid->width() - layout_.Columns * layout_.PitchX, 0) / 2;
   lblCell->setText(QStringLiteral("%1 px").arg(layout_.Cell));
   const int64_t rows =
       (static_cast<int64_t>(shown_.size()) + layout_.Columns - 1) / layout_.Columns;
@@ -368,11 +234,24 @@ int32_t frmSheet::SlotOf(int32_t sprite) const {
   return at != shown_.end() && *at == sprite ? static_cast<int32_t>(at - shown_.begin()) : -1;
 }
 
+QPoint frmSheet::GridOrigin() const {
+  return QPoint(0, -scrGrid->value());
+}
+
 QRect frmSheet::CellRect(int32_t sprite) const {
   const int32_t slot = SlotOf(sprite);
   if (slot < 0) return QRect();
-  return QRect(SheetCellOrigin(layout_, slot) - QPoint(0, scrGrid->value()),
+  return QRect(SheetCellOrigin(layout_, slot) + GridOrigin(),
                QSize(layout_.PitchX, layout_.PitchY));
+}
+
+int32_t frmSheet::SpriteAt(QPoint at) const {
+  const QPoint inGrid = at - GridOrigin() - QPoint(layout_.Left, 0);
+  if (inGrid.x() < 0 || inGrid.y() < 0) return -1;
+  const int64_t column = inGrid.x() / layout_.PitchX;
+  const int64_t slot = int64_t{inGrid.y()} / layout_.PitchY * layout_.Columns + column;
+  if (column >= layout_.Columns || slot >= static_cast<int64_t>(shown_.size())) return -1;
+  return shown_[static_cast<size_t>(slot)];
 }
 
 // A sprite hidden by the filters is kept in sight by the place it would take.
@@ -415,10 +294,9 @@ void frmSheet::UpdateStatus() {
 void frmSheet::PaintGrid(QPainter& painter, const QRect& area) {
   painter.fillRect(area, Qt::white);
   if (file_ == nullptr || shown_.empty()) return;
-  ++cache_->Paint;
-  const int32_t top = scrGrid->value();
+  const QPoint origin = GridOrigin();
   const auto slotAt = [&](int32_t y) {
-    return (int64_t{top} + y) / layout_.PitchY * layout_.Columns;
+    return std::max<int64_t>(int64_t{y} - origin.y(), 0) / layout_.PitchY * layout_.Columns;
   };
   const auto count = static_cast<int64_t>(shown_.size());
   static const QImage none;
@@ -426,27 +304,51 @@ void frmSheet::PaintGrid(QPainter& painter, const QRect& area) {
        slot < std::min(slotAt(area.bottom()) + layout_.Columns, count); ++slot) {
     const int32_t sprite = shown_[static_cast<size_t>(slot)];
     const SheetEntry& entry = entries_[static_cast<size_t>(sprite)];
-    const QImage* picture = entry.Kind == SpriteKind::Picture ? cache_->Find(sprite) : &none;
-    PaintSheetCell(painter, layout_, SheetCellOrigin(layout_, slot) - QPoint(0, top), sprite, entry,
+    const QImage* picture = entry.Kind == SpriteKind::Picture ? cache_.object(sprite) : &none;
+    PaintSheetCell(painter, layout_, SheetCellOrigin(layout_, slot) + origin, sprite, entry,
                    picture ? *picture : none, sprite == highlighted_);
   }
-  // Every cell in sight that waits is asked for, whatever part was painted: the wish replaces
-  // the one before.
-  std::vector<SheetDecoder::Job> wanted;
+  // Every cell in sight that waits is asked for, whatever part was painted.
+  std::vector<int32_t> wanted;
   for (int64_t slot = slotAt(0);
        slot < std::min(slotAt(Grid->height() - 1) + layout_.Columns, count); ++slot) {
     const int32_t sprite = shown_[static_cast<size_t>(slot)];
-    const SheetEntry& entry = entries_[static_cast<size_t>(sprite)];
-    if (entry.Kind == SpriteKind::Picture && cache_->Items.count(sprite) == 0)
-      wanted.push_back({sprite, entry});
+    if (entries_[static_cast<size_t>(sprite)].Kind == SpriteKind::Picture &&
+        !cache_.contains(sprite))
+      wanted.push_back(sprite);
   }
-  if (!wanted.empty())
-    decoder_->Want(file_, sharedLook_, layout_.Cell, generation_, std::move(wanted));
+  if (!wanted.empty()) Want(wanted);
+}
+
+void frmSheet::Want(const std::vector<int32_t>& sprites) {
+  // The same wish again, as a paint of part of the grid makes it, changes nothing.
+  if (sprites == asked_) return;
+  // What waits in the pool is another wish's: it goes, and the cells of this one go first. A
+  // picture being decoded now may be asked again; the second result is the same.
+  pool_.clear();
+  asked_ = sprites;
+  const uint64_t generation = generation_;
+  for (const int32_t sprite : sprites) {
+    const SheetEntry entry = entries_[static_cast<size_t>(sprite)];
+    pool_.start([this, file = file_, look = look_, cell = layout_.Cell, generation, sprite, entry] {
+      GrfResult result = GrfResult::Ok;
+      QImage picture = SheetPicture(*file, sprite, entry, *look, cell, result);
+      // Through the window's event queue: Detach and the destructor wait for every task first.
+      QMetaObject::invokeMethod(
+          this,
+          [this, generation, sprite, picture = std::move(picture)]() mutable {
+            Delivered(generation, sprite, std::move(picture));
+          },
+          Qt::QueuedConnection);
+    });
+  }
 }
 
 void frmSheet::Delivered(uint64_t generation, int32_t sprite, QImage picture) {
   if (generation != generation_) return;
-  cache_->Add(sprite, std::move(picture));
+  std::erase(asked_, sprite);
+  const qsizetype cost = kEntryBytes + picture.sizeInBytes();
+  cache_.insert(sprite, new QImage(std::move(picture)), cost);
   const QRect cell = CellRect(sprite);
   if (cell.intersects(Grid->rect())) Grid->update(cell);
 }
@@ -459,7 +361,7 @@ int32_t frmSheet::Waiting() const {
     const int32_t sprite = shown_[slot];
     if (CellRect(sprite).top() >= Grid->height()) break;
     if (entries_[static_cast<size_t>(sprite)].Kind == SpriteKind::Picture &&
-        cache_->Items.count(sprite) == 0)
+        !cache_.contains(sprite))
       ++waiting;
   }
   return waiting;

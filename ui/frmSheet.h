@@ -10,6 +10,9 @@
 #include <memory>
 #include <vector>
 
+#include <QCache>
+#include <QImage>
+#include <QThreadPool>
 #include <QWidget>
 
 #include "grffile.h"
@@ -26,7 +29,6 @@ class QSpinBox;
 namespace vossel {
 
 class SheetGrid;
-class SheetDecoder;
 
 inline constexpr const char kSheetCaption[] = "Vossel - Sprite Sheet";
 
@@ -38,14 +40,13 @@ class frmSheet : public QWidget {
   // A file was loaded. `file` and what it says of itself (`reading`: roles and actions) must stay
   // as they are until Detach;
   // `sprite` is the one on view.
-  void Attach(const GrfFile& file, const FileReading& reading, int32_t sprite,
-              const SheetLook& look);
+  void Attach(const GrfFile& file, const FileReading& reading, int32_t sprite, const Look& look);
   // The file is about to change or close: returns once no picture of it is being decoded, and
   // the sheet is empty.
   void Detach();
   // The main window shows `sprite` (-1: none) with `look`: the cell is highlighted and kept in
   // sight, and every cell is drawn anew when the look's choices changed.
-  void Follow(int32_t sprite, const SheetLook& look);
+  void Follow(int32_t sprite, const Look& look);
   // Called with the sprite (from 0) the user picks by a click or the Go To box.
   std::function<void(int32_t)> Choose;
 
@@ -68,6 +69,8 @@ class frmSheet : public QWidget {
   // Where sprite's cell stands in Grid (it may lie outside the part in sight); empty when the
   // sprite is not shown.
   QRect CellRect(int32_t sprite) const;
+  // The sprite whose cell is at `at` in Grid; -1 for none.
+  int32_t SpriteAt(QPoint at) const;
   // Cells in sight whose pictures are not ready yet.
   int32_t Waiting() const;
 
@@ -85,7 +88,12 @@ class frmSheet : public QWidget {
   void Invalidate();
   int32_t SlotOf(int32_t sprite) const;  // -1 when not shown
   void PaintGrid(QPainter& painter, const QRect& area);
+  // Asks for the pictures of `sprites`, newest wish first: what waits from an older wish is
+  // dropped.
+  void Want(const std::vector<int32_t>& sprites);
   void Delivered(uint64_t generation, int32_t sprite, QImage picture);
+  // Where the grid's first row starts: scrolled up by the scroll bar.
+  QPoint GridOrigin() const;
 
   const GrfFile* file_ = nullptr;
   const FileReading* reading_ = nullptr;
@@ -93,14 +101,15 @@ class frmSheet : public QWidget {
   std::vector<SheetRole> roles_;
   std::vector<int32_t> shown_;
   int32_t highlighted_ = -1;
-  SheetLook look_;
-  std::shared_ptr<const SheetLook> sharedLook_;
+  std::shared_ptr<const Look> look_;
   SheetLayout layout_;
   uint64_t generation_ = 1;
-  struct Cache;
-  std::unique_ptr<Cache> cache_;
-  // Last, so that it goes first: its workers stop before anything they use.
-  std::unique_ptr<SheetDecoder> decoder_;
+  // The scaled pictures, their cost in bytes; a cell without pixels is held as a null image.
+  QCache<int32_t, QImage> cache_;
+  // Sprites asked for under this generation and not delivered yet.
+  std::vector<int32_t> asked_;
+  // Last, so that it goes first: its tasks end before anything they use.
+  QThreadPool pool_;
 };
 
 }  // namespace vossel

@@ -287,18 +287,17 @@ bool IsRecolour(const SpriteInput& s) {
 // How a sound sprite names its sound: FF, name length, name; or FE 00, GRF ID, sound number.
 void ReadSoundHead(const SpriteInput& s, SpriteRole& role) {
   if (s.Kind == SpriteKind::Picture || !s.Data) return;
+  SoundParts named;
+  if (SplitNamedSound(s.Data, s.Size, named)) {
+    role.SoundName = DecodeGrfText(named.Name, named.NameSize);
+    role.Sound = SoundForm::Named;
+    return;
+  }
   Cursor c{s.Data, s.Size};
   uint8_t head = 0, length = 0;
   uint32_t number = 0;
-  if (!U8(c, head)) return;
-  if (head == 0xFF && U8(c, length)) {
-    const uint64_t n = std::min<uint64_t>(length, c.Size - c.At);
-    uint64_t end = n;
-    while (end > 0 && c.Data[c.At + end - 1] == 0) --end;  // the name's own zero
-    role.SoundName = DecodeGrfText(c.Data + c.At, end);
-    role.Sound = SoundForm::Named;
-  } else if (head == 0xFE && U8(c, length) && length == 0 && Id(c, role.SoundGrf) &&
-             U16(c, number)) {
+  if (U8(c, head) && head == 0xFE && U8(c, length) && length == 0 && Id(c, role.SoundGrf) &&
+      U16(c, number)) {
     role.Number = number;
     role.Sound = SoundForm::Import;
   }
@@ -384,6 +383,19 @@ void NoteIdentity(const ActionRecord& a, GrfIdentity& id) {
 }
 
 }  // namespace
+
+bool SplitNamedSound(const uint8_t* data, uint64_t size, SoundParts& parts) {
+  if (size < 2 || data[0] != 0xFF) return false;
+  parts.Name = data + 2;
+  const uint64_t name = std::min<uint64_t>(data[1], size - 2);
+  parts.NameSize = name;
+  while (parts.NameSize > 0 && parts.Name[parts.NameSize - 1] == 0) --parts.NameSize;
+  uint64_t at = 2 + name;
+  if (at < size && data[at] == 0) ++at;
+  parts.Wav = data + at;
+  parts.WavSize = size - at;
+  return true;
+}
 
 GrfActions ReadActions(const std::vector<SpriteInput>& sprites) {
   GrfActions out;

@@ -231,6 +231,16 @@ void ReadFileActions(const GrfFile& file, FileReading& reading);
 // The palette the file is drawn in: its Action 14, else a descriptor beside it, else Windows.
 PaletteDeclaration DeclaredPaletteOf(const FileReading& reading);
 
+// A named sound sprite's parts: FF, the name's length, the name (with its zero, or followed by
+// it), then the WAV file. False for bytes that do not start FF and a length.
+struct SoundParts {
+  const uint8_t* Name = nullptr;
+  uint64_t NameSize = 0;  // the name's own zeros at its end left out
+  const uint8_t* Wav = nullptr;
+  uint64_t WavSize = 0;
+};
+bool SplitNamedSound(const uint8_t* data, uint64_t size, SoundParts& parts);
+
 // A real sprite's alternatives as the NFO listing names them.
 std::vector<NfoAlternative> NfoAlternativesOf(const GrfFile& file, int32_t sprite);
 // The NFO text of one sprite: for a pseudo-sprite its comment line and its bytes' line, for a

@@ -299,3 +299,54 @@ TEST(CliExport, SoundsAsTheirWavFilesAndTheListingNamesThePictures) {
             std::string::npos);
   fs::remove_all(dir);
 }
+
+// Names take a fifth digit from 10,000 sprites on, and not before: the first and the last sprite of
+// files of 9,999 and 10,000 sprites, and the summary's counts in the singular and the plural.
+TEST(CliExport, NamesTakeFiveDigitsFromTenThousandSprites) {
+  for (const int count : {9999, 10000}) {
+    std::vector<Bytes> records(static_cast<size_t>(count), grfw::ActionRecord({0x0C, 'x'}));
+    records.front() = grfw::PlainSprite(1, 1, {9});
+    records.back() = grfw::PlainSprite(1, 1, {8});
+    const std::string grf =
+        grfw::WriteTemp("many-" + std::to_string(count) + ".grf", grfw::FileOf(records));
+    const fs::path dir = FreshFolder("export-digits");
+    const CliRun run = RunCli({"export", grf, dir.string()});
+    ASSERT_EQ(run.Status, 0) << run.Err;
+    const std::string last = std::to_string(count);
+    const std::string first = count < 10000 ? "0001" : "00001";
+    EXPECT_TRUE(fs::exists(dir / (first + ".png"))) << count;
+    EXPECT_TRUE(fs::exists(dir / (last + ".png"))) << count;
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 3) << count;
+    EXPECT_EQ(run.Out.substr(0, run.Out.find(':')),
+              "Wrote 3 files for " + last + " sprites to " + dir.string());
+  }
+  // A version-2 file of one pseudo-sprite gives the listing alone.
+  const std::string one =
+      grfw::WriteTemp("one.grf", grfw::V2File({grfw::V2Data(0xFF, {0x0C, 0x78})}, {}));
+  const fs::path dir = FreshFolder("export-one");
+  EXPECT_EQ(RunCli({"export", one, dir.string()}).Out,
+            "Wrote 1 file for 1 sprite to " + dir.string() + ": 0 PNG, 1 NFO\n");
+}
+
+// A forced export that fails while it puts its files in place leaves the files that were there
+// as they were, every one, and nothing of its own.
+TEST(CliExport, AFailedForcedExportPutsBackWhatItReplaced) {
+  const Bytes three = grfw::File({grfw::PlainSprite(3, 2, {1, 2, 3, 4, 5, 6}, -1, 7),
+                                  grfw::PlainSprite(2, 1, {7, 8}), grfw::PlainSprite(1, 1, {200})});
+  const std::string grf = grfw::WriteTemp("replaced.grf", three);
+  const fs::path dir = FreshFolder("export-replaced");
+  fs::create_directories(dir);
+  const std::pair<const char*, const char*> before[] = {
+      {"0001.png", "first"}, {"0002.png", "second"}, {"replaced.nfo", "mine"}};
+  for (const auto& [name, text] : before) std::ofstream(dir / name) << text;
+  // A folder with a file in it cannot be replaced by a picture: the run fails at 0003.png, after
+  // 0001.png and 0002.png are in place.
+  fs::create_directory(dir / "0003.png");
+  std::ofstream(dir / "0003.png" / "keep") << "keep";
+  EXPECT_EQ(RunCli({"export", grf, dir.string(), "--force"}).Status, 1);
+  for (const auto& [name, text] : before) {
+    std::ifstream in(dir / name);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), text) << name;
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 4);
+}
