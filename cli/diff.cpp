@@ -32,9 +32,9 @@ std::string IdentityLine(const GrfIdentity& i) {
 
 QJsonObject FileJson(const GrfFile& file, const GrfIdentity& i) {
   QJsonObject o;
-  o.insert("path", Q(file.Path));
+  o.insert("file", Q(file.Path));
   o.insert("container", file.Container);
-  o.insert("total", SpriteCount(file));
+  o.insert("count", SpriteCount(file));
   if (i.HasAction8) {
     o.insert("grfId", Q(HexDigits(static_cast<uint32_t>(i.Grf.Bytes[0]) << 24 |
                                       static_cast<uint32_t>(i.Grf.Bytes[1]) << 16 |
