@@ -36,19 +36,6 @@ std::string SpriteShape(const SpriteFacts& f, const std::vector<AlternativeInfo>
   return SizeText(f) + " at " + OffsetText(f) + " (" + AlternativesText(alternatives) + ")";
 }
 
-// "151-158, 160": runs of sprites as the CLI counts them.
-std::string SpriteRuns(const std::vector<int32_t>& sprites) {
-  std::string out;
-  for (size_t i = 0; i < sprites.size();) {
-    size_t j = i;
-    while (j + 1 < sprites.size() && sprites[j + 1] == sprites[j] + 1) ++j;
-    out += (out.empty() ? "" : ", ") + std::to_string(sprites[i] + 1);
-    if (j > i) out += "-" + std::to_string(sprites[j] + 1);
-    i = j + 1;
-  }
-  return out.empty() ? "no sprite" : out;
-}
-
 std::string Plural(size_t n, const char* word) {
   return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
 }
