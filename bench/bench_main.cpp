@@ -8,8 +8,10 @@
 #include "bench_files.h"
 #include "chunks.h"
 #include "grf.h"
+#include "load_sprites.h"
 #include "reference.h"
 #include "renderer.h"
+#include "sprite_bitmap.h"
 
 using namespace vossel;
 

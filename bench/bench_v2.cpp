@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <memory>
 
+#include "alternatives.h"
 #include "bench_files.h"
 #include "grf2.h"
+#include "picture.h"
 
 using namespace vossel;
 

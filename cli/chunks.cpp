@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include "chunkfile.h"
 #include "chunks.h"
 #include "commands.h"
 #include "fileio.h"
@@ -55,8 +56,9 @@ int CmdChunks(const std::vector<std::string>& args) {
     return kExitUsage;
   }
 
-  GrfFile file;
-  const ScanOutcome outcome = ScanGrfFile(args[0], file);
+  ChunkFile viewed;
+  const ScanOutcome outcome = ScanGrfFile(args[0], viewed);
+  const GrfFile& file = viewed.File;
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
       std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());
@@ -79,8 +81,8 @@ int CmdChunks(const std::vector<std::string>& args) {
     return kExitFailure;
   const bool json = parsed.Values.count("json") > 0;
   QJsonArray chunks;
-  ChunkCursor cursor = StartChunks(file, index, alternative);
-  for (ChunkRecord chunk; NextChunk(file, cursor, chunk);) {
+  ChunkCursor cursor = StartChunks(viewed, index, alternative);
+  for (ChunkRecord chunk; NextChunk(viewed, cursor, chunk);) {
     if (json)
       chunks.append(ChunkJson(chunk));
     else

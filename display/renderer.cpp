@@ -23,15 +23,6 @@ int32_t HalfOfRounded(double sum) {
   return static_cast<int32_t>(std::clamp<int64_t>(half, INT32_MIN, INT32_MAX));
 }
 
-// Copies `count` bytes from src[from] to dst[to], leaving out those that lie outside src.
-void CopyInside(uint8_t* dst, int64_t to, const uint8_t* src, int32_t srcSize, int64_t from,
-                int64_t count) {
-  const int64_t first = std::max<int64_t>(from, 0);
-  const int64_t last = std::min<int64_t>(from + count, srcSize);
-  if (!src || first >= last) return;
-  std::memcpy(dst + to + (first - from), src + first, static_cast<size_t>(last - first));
-}
-
 }  // namespace
 
 SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
@@ -48,40 +39,6 @@ QList<QRgb> PaletteColours(const PaletteBuffer& palette) {
   for (int i = 0; i < 256; ++i)
     colours[i] = qRgb(palette[4 * i + 2], palette[4 * i + 1], palette[4 * i]);
   return colours;
-}
-
-std::vector<uint8_t> BitmapBuffer(const SpriteRecord& r, const uint8_t* spriteData,
-                                  int32_t dataSize, int32_t& stride) {
-  stride = 0;
-  if (r.Width <= 0 || r.Height <= 0) return {};
-  // 32 bits: widths 32,765 to 32,767 need the stride 32,768.
-  const int32_t width = r.Width;
-  const int32_t rowStride = width % 4 == 0 ? width : width + 4 - width % 4;
-  const int64_t length = int64_t{rowStride} * r.Height;
-  if (length > kMaxBitmapBytes) return {};
-
-  std::vector<uint8_t> buffer(static_cast<size_t>(length), 0);
-  if (width % 4 == 0) {
-    CopyInside(buffer.data(), 0, spriteData, dataSize, r.DataOffset,
-               std::clamp<int64_t>(r.Size, 0, length));
-  } else {
-    for (int32_t y = 0; y < r.Height; ++y)
-      CopyInside(buffer.data(), int64_t{rowStride} * y, spriteData, dataSize,
-                 int64_t{r.DataOffset} + int64_t{width} * y, width);
-  }
-  stride = rowStride;
-  return buffer;
-}
-
-QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
-                    const PaletteBuffer& palette) {
-  int32_t stride = 0;
-  std::vector<uint8_t> buffer = BitmapBuffer(r, spriteData, dataSize, stride);
-  if (buffer.empty()) return QImage();
-  // A view of the buffer, then a copy of its own, so that the buffer goes with this call.
-  QImage view(buffer.data(), r.Width, r.Height, stride, QImage::Format_Indexed8);
-  view.setColorTable(PaletteColours(palette));
-  return view.copy();
 }
 
 QPoint PictureOrigin(double freeWidth, double areaHeight, QPoint shift) {
@@ -211,19 +168,6 @@ QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette) {
   for (int32_t y = 0; y < image.Height; ++y)
     std::memcpy(bitmap.scanLine(y), image.Rgba.data() + row * static_cast<size_t>(y), row);
   return bitmap;
-}
-
-bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background, int32_t magnification, const vossel::PictureOptions& options) {
-  if (index < 0 || static_cast<size_t>(index) >= store.SpriteTable.size()) return false;
-  const SpriteRecord& r = store.SpriteTable[static_cast<size_t>(index)];
-  const int32_t dataSize =
-      static_cast<int32_t>(std::min<size_t>(store.SpriteData.size(), INT32_MAX));
-  const QImage bitmap = SpriteBitmap(r, store.SpriteData.data(), dataSize, palette);
-  PaintPicture(canvas, bitmap, r.XOffset, r.YOffset, freeWidth, areaHeight, background,
-               magnification, options);
-  return true;
 }
 
 }  // namespace vossel

@@ -51,25 +51,10 @@ struct SpritePlacement {
 SpritePlacement PlacePicture(int32_t width, int32_t height, int32_t xOffset, int32_t yOffset,
                              double freeWidth, double areaHeight, int32_t magnification);
 
-// The sprite's Width x Height pixels as an 8-bit indexed image with the palette as its colour
-// table, first stored row on top. A null image for Width or Height 0 (or below).
-QImage SpriteBitmap(const SpriteRecord& r, const uint8_t* spriteData, int32_t dataSize,
-                    const PaletteBuffer& palette);
-
 // A decoded version-2 image as a picture of its own: an image with RGB as RGBA, the mask layer
 // not applied; an 8-bit one as an indexed image with the palette as its colour table. A null
 // image for Width or Height 0.
 QImage ImageBitmap(const SpritePicture& image, const PaletteBuffer& palette);
-
-// Paints sprite `index` of the store into `canvas`, the picture box's persistent image: the whole
-// canvas is wiped to `background`, the picture box's own colour, then the sprite is copied unscaled
-// and opaque at its placement, clipped by the canvas. `freeWidth` is scrSprite.Left, `areaHeight`
-// picSprite.ScaleHeight. Returns false, with the canvas untouched, when the table holds no record
-// at `index`.
-bool DrawSprite(QImage& canvas, const SpriteStore& store, int16_t index,
-                const PaletteBuffer& palette, double freeWidth, double areaHeight,
-                QColor background = Qt::white, int32_t magnification = 1,
-                const vossel::PictureOptions& options = {});
 
 // Wipes `canvas` to `background` and paints `picture` at the placement its size and offsets give,
 // magnified (nearest neighbour, clamped to 1..16) and clipped by the canvas. An 8-bit indexed
@@ -87,20 +72,5 @@ QImage IndexedPicture(const uint8_t* indices, int64_t width, int64_t height,
 
 // The palette as a colour table: colour i is red 4i+2, green 4i+1, blue 4i of the buffer.
 QList<QRgb> PaletteColours(const PaletteBuffer& palette);
-
-// A bitmap that would need more bytes than this is not drawn: no store can hold such a sprite.
-constexpr int64_t kMaxBitmapBytes = 16 * 1024 * 1024;
-
-// The sprite's rows at a stride of the next multiple of 4 (`stride` is set), zero-filled: a width
-// that is a multiple of 4 takes one block of Size bytes, any other width one block of Width bytes
-// a row, leaving the fill bytes zero. Only bytes inside `spriteData` are copied; those of a
-// record reaching outside it stay zero. Empty for Width or Height 0 or below and above
-// kMaxBitmapBytes.
-std::vector<uint8_t> BitmapBuffer(const SpriteRecord& r, const uint8_t* spriteData,
-                                  int32_t dataSize, int32_t& stride);
-
-// A sprite that cannot be drawn (Width or Height 0 or below, or a bitmap above kMaxBitmapBytes)
-// still wipes the canvas, so no earlier sprite stays beside its facts, and DrawSprite returns
-// true. The canvas is expected in a format QPainter draws on (Format_RGB32 and the like).
 
 }  // namespace vossel

@@ -133,7 +133,7 @@ void frmChunk::closeEvent(QCloseEvent* event) {
 void frmChunk::Form_Unload() {
   ++fillNumber_;
   Follower->Stop();
-  CloseGrfFile(File);
+  CloseChunkFile(Viewed);
   SpriteMax = -1;
 }
 
@@ -151,8 +151,8 @@ void frmChunk::mnuClose_Click() {
 void frmChunk::ScanGRF() {
   scanning_ = true;
   const auto ended = qScopeGuard([this] { scanning_ = false; });
-  const ScanOutcome outcome = ScanGrfFile(FileName, File);
-  const int32_t count = SpriteCount(File);
+  const ScanOutcome outcome = ScanGrfFile(FileName, Viewed);
+  const int32_t count = SpriteCount(Viewed.File);
   switch (outcome.End) {
     case ScanEnd::ReadFailure:
       // Nothing else in the viewer sets the title, so it stays until the window closes.
@@ -173,7 +173,7 @@ void frmChunk::ScanGRF() {
   const QPointer<QLabel> label = lblFilename;
   scrSprite_Change();
   if (label) SetCaption(label, FileName);
-  Follower->Follow(Follow ? File.Path : std::string());
+  Follower->Follow(Follow ? Viewed.File.Path : std::string());
 }
 
 void frmChunk::Rescan() {
@@ -194,7 +194,7 @@ void frmChunk::scrSprite_Change() {
   Li->Clear();
   Li->setVisible(false);
   const int32_t sprite = v <= SpriteMax ? v : -1;
-  ChunkCursor cursor = StartChunks(File, sprite, DefaultAlternative(File, sprite));
+  ChunkCursor cursor = StartChunks(Viewed, sprite, DefaultAlternative(Viewed.File, sprite));
   ChunkRecord chunk;
   while (!cursor.Done) {
     if (!cursor.Action) {
@@ -202,13 +202,13 @@ void frmChunk::scrSprite_Change() {
       // A newer position, a scan or a close has taken the list over: this fill adds nothing more.
       if (fill != fillNumber_) return;
     }
-    if (!NextChunk(File, cursor, chunk)) break;
+    if (!NextChunk(Viewed, cursor, chunk)) break;
     const ChunkLine line = LineOf(chunk);
     Li->AddItem(line.Text);
     Li->SetItemData(Li->NewIndex(), line.ItemData);
   }
   // A file changed since it was opened ends the list with the reason.
-  if (cursor.Unreadable) Li->AddItem(UnreadableText(File));
+  if (cursor.Unreadable) Li->AddItem(UnreadableText(Viewed.File));
   Li->setVisible(true);
 }
 

@@ -8,8 +8,8 @@
 
 #include <QMainWindow>
 
+#include "chunkfile.h"
 #include "follow.h"
-#include "grffile.h"
 
 class QAction;
 class QCloseEvent;
@@ -45,10 +45,9 @@ class frmChunk : public QMainWindow {
   void BuildForm();
 
   std::string FileName;
-  // The viewer's own reading of its own copy of the file. Each sprite lists the chunks of its
-  // default picture; a version-1 file's tables are the scan's.
-  GrfFile File;
-  ChunkScan& Scan = File.Scan;  // FileData, SpriteOffset, SpriteSize, SpriteFlags, FileLength
+  // The viewer's own reading of its own copy of the file, whatever the main window has open. Each
+  // sprite lists the chunks of its default picture; a version-1 file's tables are the scan's.
+  ChunkFile Viewed;
   std::unique_ptr<clsFileDialog> FileDialog;
   // The highest sprite index the last usable scan offered: Count - 1, so -1 when it found none.
   // The scroll bar cannot go below 0; positions above this list nothing.

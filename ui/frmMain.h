@@ -70,7 +70,6 @@ class frmMain : public QMainWindow {
   // The opened file, the palette and the file's name. A version-1 file's sprite store,
   // SpriteTable and SpriteData, lives in the opened file and is the window's store.
   GrfFile File;
-  SpriteStore& Store = File.Store;
   PaletteBuffer Palette{};
   std::string PaletteFile;
   std::string FileName;

@@ -118,23 +118,6 @@ void CutStore(SpriteStore& store, int32_t writePosition) {
   store.SpriteData.CutTo(cut, cut + 127);
 }
 
-LoadOutcome LoadSprites(const uint8_t* file, int32_t length, SpriteStore& store,
-                        const MessageFn& message) {
-  LoadOutcome outcome;
-  outcome.FileLength = length;
-  int32_t start = GetTickCount();
-  const int16_t count = CountSprites(file, length, message);
-  ReserveStore(store, count);
-  outcome.PrepareTicks = GetTickCount() - start;
-
-  start = GetTickCount();
-  std::vector<uint8_t> rowBuffer(kRowBufferSize, 0);
-  outcome.Totals = DecodeSprites(file, length, store, rowBuffer.data(), message);
-  outcome.DecodeTicks = GetTickCount() - start;
-  CutStore(store, outcome.Totals.WritePosition);
-  return outcome;
-}
-
 int32_t GetTickCount() {
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();

@@ -70,16 +70,6 @@ DecodeTotals DecodeSprites(const uint8_t* file, int32_t length, SpriteStore& sto
 // Cuts SpriteData to the bytes written, keeping its contents, in place.
 void CutStore(SpriteStore& store, int32_t writePosition);
 
-// Both passes with the store's making and cutting, for callers without a window.
-struct LoadOutcome {
-  DecodeTotals Totals;
-  int32_t FileLength = 0;
-  int32_t PrepareTicks = 0;  // counting pass and reservation, in milliseconds
-  int32_t DecodeTicks = 0;   // decoding pass, in milliseconds
-};
-LoadOutcome LoadSprites(const uint8_t* file, int32_t length, SpriteStore& store,
-                        const MessageFn& message);
-
 // A millisecond tick counter, signed 32-bit like the platform's. It stays within 0..2^31-1, so the
 // difference of two readings never overflows.
 int32_t GetTickCount();

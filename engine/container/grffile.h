@@ -5,12 +5,15 @@
 
 #include <cstdint>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "alternatives.h"
 #include "chunks.h"
 #include "fileio.h"
 #include "grf.h"
 #include "grf2.h"
+#include "picture.h"
 
 namespace vossel {
 
@@ -41,6 +44,15 @@ struct SpriteFacts {
   uint8_t Flags = 0;  // the flags byte, or the info byte
 };
 
+// A version-2 file: the index, and the file kept open; a sprite's bytes are read as they are asked.
+struct GrfV2File {
+  FileHandle Source;
+  GrfV2Index Index;
+};
+
+// What the opened file holds: nothing, a version-1 sprite store, or a version-2 index.
+using GrfContents = std::variant<std::monostate, SpriteStore, GrfV2File>;
+
 struct GrfFile {
   std::string Path;
   uint8_t Container = 0;  // 1 or 2, to tell the user; 0 while nothing is open
@@ -56,13 +68,11 @@ struct GrfFile {
   std::vector<GrfProblem> Problems;
   int64_t ProblemCount = 0;
 
-  // Version 1 through the loader: the sprite store.
-  SpriteStore Store;
-  // Version 1 through the chunk viewer's own walk.
-  ChunkScan Scan;
-  // Version 2: the index, and the file kept open; a sprite's bytes are read as they are asked.
-  FileHandle Source;
-  GrfV2Index Index;
+  // The tables of the container; every procedure below asks them, never Container.
+  GrfContents Contents;
+  // Raised whenever the contents are closed or replaced, so that a chunk list that lets events run
+  // between its chunks sees that what it was reading has gone.
+  uint32_t Generation = 0;
 };
 
 // How reading a file for a load or a scan ends.
@@ -100,12 +110,11 @@ void FinishLoad(GrfLoad& load, GrfFile& file);
 OpenOutcome LoadGrfFile(const std::string& path, GrfFile& file, const MessageFn& stop,
                         const MessageFn& note);
 
-// The chunk viewer's reading: the file's bytes, walked by the chunk scanner (version 1), or the
-// file opened and indexed (version 2). ReadFailure leaves `file` as it was; TooSmall keeps the
-// earlier tables beside the new bytes, as the viewer has always done.
-ScanOutcome ScanGrfFile(const std::string& path, GrfFile& file);
 // Lets go of everything.
 void CloseGrfFile(GrfFile& file);
+// Whether an opened file is long enough to load and starts with the version-2 signature; only its
+// first bytes are read.
+bool IsVersion2File(const OpenedFile& file);
 
 // Whether a window draws the file in the palette it declares unless the user chooses another;
 // otherwise in the program's palette file, as the design has always drawn version-1 files.
@@ -153,16 +162,15 @@ std::string PictureProblem(const GrfFile& file, int32_t sprite, int32_t alternat
 // Why the file can no longer be read as it was opened, for a list that stopped Unreadable.
 std::string UnreadableText(const GrfFile& file);
 
-// The chunk list of a sprite through one alternative, chunk by chunk; a version-1 file lists
-// from the chunk viewer's scan. A cursor whose file has been rescanned or closed lists nothing; one
-// whose file has changed since it was opened stops with Unreadable.
+// The chunk list of a sprite through one alternative, chunk by chunk, read from a version-2 file
+// (a version-1 store keeps no streams: the chunk viewer lists those from its own scan). A cursor
+// whose file has been replaced or closed lists nothing; one whose file has changed since it was
+// opened stops with Unreadable.
 ChunkCursor StartChunks(const GrfFile& file, int32_t sprite, int32_t alternative);
 bool NextChunk(const GrfFile& file, ChunkCursor& cursor, ChunkRecord& chunk);
 std::vector<ChunkRecord> ChunksOf(const GrfFile& file, int32_t sprite, int32_t alternative);
 
-// The texts of the problems as the message list shows them, and the line that counts the
-// problems not shown one by one.
+// The text of a problem as the message list shows it.
 std::string ProblemText(const GrfProblem& problem);
-std::string MoreProblemsText(int64_t count);
 
 }  // namespace vossel

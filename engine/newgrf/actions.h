@@ -215,8 +215,6 @@ struct NfoAlternative {
 // (trains)".
 std::string NfoSpriteLine(int32_t number, const std::vector<NfoAlternative>& alternatives,
                           const SpriteRole& role, const std::vector<ActionRecord>& actions);
-// The bytes of an NFO byte text (hex pairs and quoted runs); nothing for text it cannot read.
-std::optional<std::vector<uint8_t>> ParseNfoBytes(const std::string& text);
 
 // --- On an opened file ---------------------------------------------------------------------------
 

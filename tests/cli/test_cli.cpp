@@ -17,6 +17,7 @@
 #include "case_file.h"
 #include "companymaps.h"
 #include "grf_writer.h"
+#include "nfo_bytes.h"
 #include "palette.h"
 #include "reference.h"
 #include "renderer.h"

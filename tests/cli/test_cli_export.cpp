@@ -21,6 +21,8 @@
 #include "actions.h"
 #include "grf.h"
 #include "grf_writer.h"
+#include "load_sprites.h"
+#include "nfo_bytes.h"
 #include "palette.h"
 #include "run_cli.h"
 

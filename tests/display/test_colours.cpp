@@ -8,7 +8,9 @@
 
 #include "colours.h"
 #include "fileio.h"
+#include "load_sprites.h"
 #include "renderer.h"
+#include "sprite_bitmap.h"
 
 using namespace vossel;
 

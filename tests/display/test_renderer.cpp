@@ -10,6 +10,7 @@
 
 #include "composite.h"
 #include "renderer.h"
+#include "sprite_bitmap.h"
 
 using namespace vossel;
 

@@ -11,6 +11,7 @@
 
 #include "actions.h"
 #include "fuzz_sprites.h"
+#include "nfo_bytes.h"
 
 using namespace vossel;
 

@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "alternatives.h"
 #include "grf2.h"
+#include "grf2_chunks.h"
+#include "picture.h"
 
 using namespace vossel;
 

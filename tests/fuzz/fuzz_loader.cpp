@@ -8,6 +8,7 @@
 
 #include "chunks.h"
 #include "grf.h"
+#include "load_sprites.h"
 #include "reference.h"
 
 using namespace vossel;

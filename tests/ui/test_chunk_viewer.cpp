@@ -132,7 +132,7 @@ TEST_F(ChunkViewer, WhatEachEndOfAScanShowsAndAFreshStartAtEachShowing) {
               "Vossel - Chunk ViewerNo file opened1");
     EXPECT_EQ(form.scrSprite->Max(), 0);
   });
-  EXPECT_TRUE(form.Scan.FileData.empty());
+  EXPECT_TRUE(form.Viewed.Scan.FileData.empty());
 }
 
 TEST_F(ChunkViewer, FillsOvertakenByEvents) {

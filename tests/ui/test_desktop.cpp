@@ -96,5 +96,5 @@ TEST(Desktop, ADroppedGrfFileLoadsAsOpenDoesAndNothingElseIsTaken) {
   EXPECT_TRUE(Drop(dropped, {grf}));
   EXPECT_EQ(dropLog, openLog);
   EXPECT_EQ(Caption(dropped.lblStatus), Caption(opened.lblStatus));
-  EXPECT_EQ(dropped.Store.SpriteData, opened.Store.SpriteData);
+  EXPECT_EQ(uitest::StoreOf(dropped.File).SpriteData, uitest::StoreOf(opened.File).SpriteData);
 }

@@ -164,3 +164,26 @@ TEST(Follow, BothWindowsFollowOneFileBesideTheModalViewer) {
   EXPECT_TRUE(form->isEnabled());
   EXPECT_TRUE(form->ChunkViewer->Follower->Path().empty());
 }
+
+// The file is written again while a reload of it still runs (the hook at its end lets events run
+// until that change has settled): the reload ends, and the newer file is read after it.
+TEST(Follow, AChangeThatSettlesWhileAReloadRunsIsReadAfterIt) {
+  for (const bool version2 : {false, true}) {
+    SCOPED_TRACE(version2 ? "version 2" : "version 1");
+    uitest::StartedForm form;
+    const auto file = [version2](size_t n) { return version2 ? V2(n) : V1(n); };
+    const std::string path = form.Load("during.grf", file(8));
+    form->Follower->SettleMs = 20;
+    int loads = 0;
+    QObject::connect(form.Form.get(), &frmMain::FileLoaded, [&] {
+      if (++loads > 1) return;
+      Rewrite(path, file(5), true);
+      QTest::qWait(200);
+    });
+    Rewrite(path, file(3), true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return loads == 2; }));
+    EXPECT_EQ(form->lvwSprite->ItemCount(), 5);
+    QTest::qWait(100);
+    EXPECT_EQ(loads, 2);  // and only once
+  }
+}

@@ -76,7 +76,7 @@ class MainWindow : public ::testing::Test {
   // `index`, where the placement rule puts it.
   QRgb Colour(int i) { return uitest::PaletteColour(form, i).rgb(); }
   QRgb Pixel(int index, int c, int r) {
-    const SpriteRecord& s = form.Store.SpriteTable[static_cast<size_t>(index)];
+    const SpriteRecord& s = uitest::StoreOf(form.File).SpriteTable[static_cast<size_t>(index)];
     return form.picSprite->Image().pixel(
         (Left(form.scrSprite) - s.Width + s.XOffset) / 2 + c,
         (ScaleHeight(form.picSprite) - s.Height + s.YOffset) / 2 + r);
@@ -222,8 +222,8 @@ TEST_F(MainWindow, BrowsingShowsEachSprite) {
                                "Viewing sprite 5 (64 x 31) | 00001000 (8) | 1984 | * | -31 x 0"};
   for (const int v : {4, 0, 3, 1, 2}) {
     form.scrSprite->SetValue(static_cast<int16_t>(v));
-    const std::string compressed =
-        std::to_string(form.Store.SpriteTable[static_cast<size_t>(v)].CompressedSize);
+    const std::string compressed = std::to_string(
+        uitest::StoreOf(form.File).SpriteTable[static_cast<size_t>(v)].CompressedSize);
     EXPECT_EQ(Facts(), std::regex_replace(facts[v], std::regex("\\*"), compressed));
   }
   EXPECT_EQ(Pixel(2, 0, 0), Colour(7));
@@ -329,8 +329,8 @@ TEST_F(MainWindow, NewAndQuit) {
   Open(FiveSprites());
   form.mnuQuit->trigger();
   EXPECT_FALSE(form.isVisible());
-  EXPECT_TRUE(form.Store.SpriteTable.empty());
-  EXPECT_TRUE(form.Store.SpriteData.empty());
+  EXPECT_TRUE(uitest::StoreOf(form.File).SpriteTable.empty());
+  EXPECT_TRUE(uitest::StoreOf(form.File).SpriteData.empty());
   EXPECT_TRUE(fakes.Boxes.empty());
 }
 
@@ -352,7 +352,7 @@ TEST_F(MainWindow, TheDemoFileAndARealFileLookAsTheCliDrawsThem) {
                 .Status,
             0);
   const QImage image(QString::fromStdString(png));
-  const SpriteRecord& r = form.Store.SpriteTable[n - 1];
+  const SpriteRecord& r = uitest::StoreOf(form.File).SpriteTable[n - 1];
   ASSERT_EQ(image.size(), QSize(r.Width, r.Height));
   for (int y = 0; y < r.Height; ++y)
     for (int x = 0; x < r.Width; ++x)

@@ -11,6 +11,7 @@
 
 #include "controls.h"
 #include "frmChunk.h"
+#include "grf2_chunks.h"
 #include "listbox.h"
 #include "picturebox.h"
 #include "renderer.h"

@@ -11,6 +11,7 @@
 
 #include <QLabel>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "controls.h"
@@ -26,6 +27,13 @@ namespace vossel {
 namespace uitest {
 
 namespace fs = std::filesystem;
+
+// The window's version-1 sprite store; an empty one while it holds no version-1 file.
+inline const SpriteStore& StoreOf(const GrfFile& file) {
+  static const SpriteStore kNone;
+  const auto* store = std::get_if<SpriteStore>(&file.Contents);
+  return store != nullptr ? *store : kNone;
+}
 
 struct Shown {
   std::string Text, Title;

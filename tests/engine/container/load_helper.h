@@ -7,6 +7,7 @@
 
 #include "grf.h"
 #include "grf_writer.h"
+#include "load_sprites.h"
 
 namespace vossel {
 

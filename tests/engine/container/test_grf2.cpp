@@ -6,10 +6,13 @@
 #include <filesystem>
 #include <sstream>
 
+#include "alternatives.h"
 #include "case_file.h"
 #include "fileio.h"
 #include "grf2.h"
+#include "grf2_chunks.h"
 #include "grf_writer.h"
+#include "picture.h"
 
 using namespace vossel;
 

@@ -4,7 +4,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 
+#include "chunkfile.h"
+#include "grf2_chunks.h"
 #include "grf_writer.h"
 #include "grffile.h"
 
@@ -97,4 +100,36 @@ TEST(KeptOpen, AFileChangedWhileOpenIsTold) {
     EXPECT_TRUE(cursor.Unreadable && cursor.Done);
     std::filesystem::remove(path);
   }
+}
+
+// Bytes appended with the time set back as it was: only the length tells, and it is told as the
+// other changes are, both in the opened file and in the chunk viewer's own reading.
+TEST(KeptOpen, AFileThatGrewIsToldEvenWithItsOldTime) {
+  const Bytes bytes = KeptFile();
+  const std::string path = grfw::WriteTemp("grew.grf", bytes);
+  GrfFile file;
+  ChunkFile viewed;
+  ASSERT_EQ(LoadGrfFile(path, file, nullptr, nullptr).End, OpenEnd::Ok);
+  ASSERT_EQ(ScanGrfFile(path, viewed).End, ScanEnd::Complete);
+  const auto time = std::filesystem::last_write_time(path);
+  {
+    std::ofstream append(path, std::ios::binary | std::ios::app);
+    append << std::string(100, '\x3C');
+  }
+  std::filesystem::last_write_time(path, time);
+  const std::string told = "The file has changed since it was opened: it holds " +
+                           std::to_string(bytes.size() + 100) + " bytes now, " +
+                           std::to_string(bytes.size()) + " then; open it again to see it as it is";
+  SpritePicture picture;
+  std::vector<uint8_t> got;
+  EXPECT_EQ(PictureOf(file, 1, 0, picture), GrfResult::FileChanged);
+  EXPECT_EQ(SpriteBytes(file, 2, 1, got), GrfResult::FileChanged);
+  EXPECT_EQ(PictureProblem(file, 1, 0, GrfResult::FileChanged), told);
+  ChunkRecord chunk;
+  ChunkCursor opened = StartChunks(file, 1, 0), own = StartChunks(viewed, 1, 0);
+  EXPECT_FALSE(NextChunk(file, opened, chunk));
+  EXPECT_FALSE(NextChunk(viewed, own, chunk));
+  EXPECT_TRUE(opened.Unreadable && own.Unreadable);
+  EXPECT_EQ(UnreadableText(viewed.File), told);
+  std::filesystem::remove(path);
 }

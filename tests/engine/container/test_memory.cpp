@@ -11,6 +11,7 @@
 #include "chunks.h"
 #include "grf.h"
 #include "grf_writer.h"
+#include "load_sprites.h"
 
 using namespace vossel;
 

@@ -11,6 +11,8 @@
 #include "grf.h"
 #include "grf2.h"
 #include "grf_writer.h"
+#include "load_sprites.h"
+#include "nfo_bytes.h"
 
 using namespace vossel;
 using grfw::Bytes;

@@ -12,6 +12,7 @@
 #include "grf_writer.h"
 #include "grffile.h"
 #include "items.h"
+#include "nfo_bytes.h"
 #include "roles.h"
 
 using namespace vossel;
