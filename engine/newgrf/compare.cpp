@@ -88,6 +88,8 @@ void CompareAlternative(const Side& a, const Side& b, int32_t sprite, const Alte
   const GrfResult ra = PictureOf(a.File, sprite, ia, pa);
   const GrfResult rb = PictureOf(b.File, sprite, ib, pb);
   if (ra != GrfResult::Ok || rb != GrfResult::Ok) {
+    // Broken alike on both sides is no change that the pictures can show.
+    if (ra == rb) return;
     d.Change = SpriteChange::Unreadable;
     d.Result = ra != GrfResult::Ok ? ra : rb;
     out.push_back(d);

@@ -21,7 +21,7 @@ enum class SpriteChange : uint8_t {
   Size,          // one alternative's width or height
   Offsets,       // one alternative's offsets
   Pixels,        // one alternative's pixels
-  Unreadable,    // a picture of either file could not be decoded: Result
+  Unreadable,    // a picture of one file could not be decoded, or not as in the other: Result
 };
 
 // Where the pixels of one alternative differ. Counted only when asked for; otherwise Count is 0
