@@ -19,6 +19,7 @@ constexpr uint8_t kH = 6;
 // What the test file is made of; each copy changes one field.
 struct Parts {
   uint8_t Speed = 0x40;
+  uint8_t Group = 0x00;  // the group the Action 03 names
   Bytes Comment = {0x0C, 'h', 'e', 'l', 'l', 'o'};
   Bytes Pixels;  // the last picture's
   int16_t X = -3, Y = 2;
@@ -40,7 +41,7 @@ std::vector<Bytes> Pseudo(const Parts& p) {
           {0x00, 0x01, 0x01, 0x01, 0xFF, 0x05, 0x00, 0x08, p.Speed},
           {0x01, 0x01, 0x01, 0x02},
           {0x02, 0x01, 0x00, 0x01, 0x00, 0x00, 0x00},
-          {0x03, 0x01, 0x01, 0xFF, 0x05, 0x00, 0x00, 0x00, 0x00},
+          {0x03, 0x01, 0x01, 0xFF, 0x05, 0x00, 0x00, p.Group, 0x00},
           p.Comment};
 }
 
@@ -169,6 +170,18 @@ TEST(Compare, OneChangeNamesItselfAndNothingElse) {
     EXPECT_EQ(d.Old.Raw, Bytes{0x40});
     EXPECT_EQ(d.New.Raw, Bytes{0x50});
     EXPECT_EQ(ComparisonSummary(c), "1 sprite and 1 item differ");
+  }
+  {
+    // An Action 03 that names another group: the item's graphics reach nothing now.
+    Parts p = base;
+    p.Group = 0x01;
+    const GrfComparison c = Compare(Version1(base), Version1(p));
+    ExpectOnly(c, 7, SpriteChange::Bytes);
+    ASSERT_EQ(c.Items.size(), 1u);
+    EXPECT_EQ(c.Items[0].Change, ItemChange::Graphics);
+    EXPECT_EQ(c.Items[0].OldSprites, (std::vector<int32_t>{4, 5}));
+    EXPECT_TRUE(c.Items[0].NewSprites.empty());
+    EXPECT_EQ(ItemChangeText(c.Items[0]), "graphics reached 5-6, now none");
   }
   {
     Parts p = base;
