@@ -88,6 +88,7 @@ void RegisterWindowCases();
 void CloseWindowCases();
 void RegisterV2Cases();
 void RegisterItemsCases();
+void RegisterCompareCases();
 
 int main(int argc, char** argv) {
   // The window cases run on Qt's offscreen platform unless a display is asked for.
@@ -98,6 +99,7 @@ int main(int argc, char** argv) {
   RegisterFileCases("limits", LimitsFile());
   RegisterV2Cases();
   RegisterItemsCases();
+  RegisterCompareCases();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

@@ -41,19 +41,6 @@ QJsonArray SpriteList(const std::vector<int32_t>& sprites) {
   return list;
 }
 
-// "151-158, 160": runs of sprites as the CLI counts them.
-std::string SpriteRuns(const std::vector<int32_t>& sprites) {
-  std::string out;
-  for (size_t i = 0; i < sprites.size();) {
-    size_t j = i;
-    while (j + 1 < sprites.size() && sprites[j + 1] == sprites[j] + 1) ++j;
-    out += (out.empty() ? "" : ", ") + std::to_string(sprites[i] + 1);
-    if (j > i) out += "-" + std::to_string(sprites[j] + 1);
-    i = j + 1;
-  }
-  return out.empty() ? "none" : out;
-}
-
 void AddFeature(QJsonObject& o, uint8_t feature) {
   o.insert("feature", feature);
   o.insert("featureName", Q(FeatureWord(feature)));

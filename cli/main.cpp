@@ -44,6 +44,12 @@ const char kUsage[] =
     "                                     name, properties, sprites reached)\n"
     "  item FILE FEATURE ID [--json]      one item's properties and graphics tree; FEATURE as\n"
     "                                     NFO writes it (00, 0A) or by name, ID decimal or 0x hex\n"
+    "  diff A B [--json] [--pixels]       what changed from A to B: identity, sprites by number\n"
+    "                                     (kind, size, offsets, alternatives, pixels), "
+    "pseudo-sprites\n"
+    "                                     with both NFO lines, items; --pixels counts the changed\n"
+    "                                     pixels and boxes them; exit 0 same, 1 different, 2 "
+    "trouble\n"
     "\n"
     "Options:\n"
     "  --json         one JSON document on standard output instead of the text\n"
@@ -90,6 +96,7 @@ int main(int argc, char** argv) {
   if (command == "sheet") return CmdSheet(args);
   if (command == "items") return CmdItems(args);
   if (command == "item") return CmdItem(args);
+  if (command == "diff") return CmdDiff(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

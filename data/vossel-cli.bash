@@ -31,7 +31,7 @@ _vossel_cli() {
   ((COMP_CWORD > 0)) && prev=${COMP_WORDS[COMP_CWORD - 1]}
   COMPREPLY=()
 
-  local commands="list info sprite chunks about nfo items item export sheet"
+  local commands="list info sprite chunks about nfo items item diff export sheet"
   if ((COMP_CWORD <= 1)); then
     _vossel_cli_words "$commands --help --version" "$cur"
     return 0
@@ -58,6 +58,7 @@ _vossel_cli() {
       valued="--columns --cell --first --last --palette --company --base-set --zoom --depth"
       flags="--force"
       ;;
+    diff) flags="--json --pixels" ;;
     nfo) ;;
     *) return 0 ;;
   esac

@@ -620,4 +620,16 @@ std::string ItemProblemText(const ItemProblem& p) {
   return at;
 }
 
+std::string SpriteRuns(const std::vector<int32_t>& sprites) {
+  std::string out;
+  for (size_t i = 0; i < sprites.size();) {
+    size_t j = i;
+    while (j + 1 < sprites.size() && sprites[j + 1] == sprites[j] + 1) ++j;
+    out += (out.empty() ? "" : ", ") + std::to_string(sprites[i] + 1);
+    if (j > i) out += "-" + std::to_string(sprites[j] + 1);
+    i = j + 1;
+  }
+  return out.empty() ? "none" : out;
+}
+
 }  // namespace vossel

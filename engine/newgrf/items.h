@@ -323,6 +323,8 @@ std::string FeatureWord(uint8_t feature);
 bool ParseFeature(const std::string& text, uint8_t& feature);
 // A variable's name for a feature, empty when it has none known.
 std::string VariableName(uint8_t variable, uint8_t feature);
+// "151-158, 160": runs of sprites as the CLI counts them (from 1); "none" for no sprite.
+std::string SpriteRuns(const std::vector<int32_t>& sprites);
 // "1950-01-01" from days since 1 January of year 0.
 std::string DateText(int64_t days);
 

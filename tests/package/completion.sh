@@ -30,7 +30,7 @@ expect() {
   fi
 }
 
-expect "vossel-cli " "list info sprite chunks about nfo items item export sheet --help --version"
+expect "vossel-cli " "list info sprite chunks about nfo items item diff export sheet --help --version"
 expect "vossel-cli s" "sprite sheet"
 expect "vossel-cli list " "a.grf B.GRF out sets"
 expect "vossel-cli list sets/" "sets/x.grf"
@@ -57,6 +57,7 @@ expect "vossel-cli sheet a.grf s.png --cell 32 --depth 8 --" \
 expect "vossel-cli item a.grf tr" "trains tramtypes"
 expect "vossel-cli item a.grf trains " ""
 expect "vossel-cli items a.grf --" "--json"
+expect "vossel-cli diff a.grf B.GRF --" "--json --pixels"
 expect "vossel-cli frobnicate " ""
 
 [ "$failures" -eq 0 ] || { echo "$failures completion(s) wrong"; exit 1; }
