@@ -44,6 +44,10 @@ const char kUsage[] =
     "                                     name, properties, sprites reached)\n"
     "  item FILE FEATURE ID [--json]      one item's properties and graphics tree; FEATURE as\n"
     "                                     NFO writes it (00, 0A) or by name, ID decimal or 0x hex\n"
+    "  check FILE [--json] [--ignore CODE,...]\n"
+    "                                     the mistakes the file carries, one line each:\n"
+    "                                     SPRITE: severity CODE: text; exit 3 with warnings only,\n"
+    "                                     4 with errors\n"
     "\n"
     "Options:\n"
     "  --json         one JSON document on standard output instead of the text\n"
@@ -60,7 +64,8 @@ const char kUsage[] =
     "  --version      the program's version\n"
     "\n"
     "Exit status: 0 done, 1 the file cannot be read or is too small, the load found a problem,\n"
-    "a value is out of range or standard output cannot be written, 2 wrong usage.\n";
+    "a value is out of range or standard output cannot be written, 2 wrong usage; check gives 3\n"
+    "when it finds warnings only, 4 when it finds errors.\n";
 
 }  // namespace
 
@@ -90,6 +95,7 @@ int main(int argc, char** argv) {
   if (command == "sheet") return CmdSheet(args);
   if (command == "items") return CmdItems(args);
   if (command == "item") return CmdItem(args);
+  if (command == "check") return CmdCheck(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

@@ -114,8 +114,9 @@ void CheckBlocks(const GrfFile& file, const FileReading& reading, std::vector<Fi
       }
     } else if (RecolourPlace(role, owner)) {
       if (!role.Recolour) f = Make(CheckCode::PictureForRecolour, sprite), found = true;
-    } else if (kind != SpriteKind::Picture && !(owner.Action == 0x01 && role.Recolour)) {
-      const int64_t what = role.Recolour ? 1 : kind == SpriteKind::Data ? 2 : 0;
+    } else if (kind != SpriteKind::Picture && !role.Recolour) {
+      // Recolour maps stand among pictures in several blocks' types, so only other bytes count.
+      const int64_t what = kind == SpriteKind::Data ? 1 : 0;
       f = Make(CheckCode::NotAPicture, sprite, what);
       found = true;
     }
@@ -329,10 +330,12 @@ bool WhollyTransparent(const SpritePicture& p) {
   return std::all_of(p.Indices.begin(), p.Indices.end(), [](uint8_t v) { return v == 0; });
 }
 
-void CheckPictures(const GrfFile& file, std::vector<Finding>& out) {
+void CheckPictures(const GrfFile& file, const FileReading& reading, std::vector<Finding>& out) {
   const int32_t count = SpriteCount(file);
   SpritePicture picture;
   for (int32_t i = 0; i < count; ++i) {
+    // A blank glyph is a character drawn as space.
+    if (reading.Actions.Sprites[static_cast<size_t>(i)].Kind == RoleKind::Glyph) continue;
     const int32_t shown = DefaultAlternative(file, i);
     if (shown < 0 || FactsOf(file, i, shown).Kind != SpriteKind::Picture) continue;
     if (PictureOf(file, i, shown, picture) != GrfResult::Ok) continue;
@@ -355,7 +358,7 @@ std::vector<Finding> CheckGrf(const GrfFile& file, const FileReading& reading,
   CheckReach(items, out);
   CheckRanges(items, out);
   CheckIdentity(reading, out);
-  CheckPictures(file, out);
+  CheckPictures(file, reading, out);
   std::stable_sort(out.begin(), out.end(),
                    [](const Finding& a, const Finding& b) { return a.Sprite < b.Sprite; });
   return out;

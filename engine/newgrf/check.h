@@ -21,7 +21,7 @@ enum class CheckCode : uint16_t {
   SpriteCountDiffers = 102,  // Values: declared, sprites after sprite 0
   BlockShort = 103,          // Values: sprites claimed, sprites present
   PictureForRecolour = 104,
-  NotAPicture = 105,      // Values[0]: 0 a pseudo-sprite, 1 a recolour map, 2 non-image data
+  NotAPicture = 105,      // Values[0]: 0 a pseudo-sprite, 1 non-image data
   NotASound = 106,        // Values[0]: 0 a picture, 1 data with no sound head
   FileCut = 107,          // Values: the byte where it ends, sprites lost (-1: not known)
   UnknownProperty = 108,  // Values: property

@@ -40,7 +40,7 @@ const std::vector<CodeRow>& CheckCodes() {
       {CheckCode::SetOutsideFile, Severity::Error, "set runs past the end of the file"},
       {CheckCode::GroupLoop, Severity::Error, "group reached again below itself"},
       {CheckCode::GraphicsNoProperties, Severity::Warning, "item with graphics but no properties"},
-      {CheckCode::PropertiesNoGraphics, Severity::Warning, "item with properties but no graphics"},
+      {CheckCode::PropertiesNoGraphics, Severity::Note, "item with properties but no graphics"},
       {CheckCode::GroupUnreached, Severity::Warning, "group never reached from an Action 03"},
       {CheckCode::SetUnreached, Severity::Warning, "set never reached from an Action 03"},
       {CheckCode::RangeOverlaps, Severity::Warning, "variational range overlaps an earlier one"},
