@@ -74,7 +74,12 @@ void CheckFileEnd(const GrfFile& file, const FileReading& reading, std::vector<F
   const std::vector<ActionRecord>& actions = reading.Actions.Actions;
   const bool hasCount = !actions.empty() && actions[0].IsSpriteCount;
   const int64_t declared = hasCount ? int64_t{actions[0].Value} : -1;
+  // Ids the cut sprite section lacks are its lost sprites, said once with the cut.
+  const bool sectionCut =
+      std::any_of(file.Problems.begin(), file.Problems.end(),
+                  [](const GrfProblem& p) { return p.Kind == GrfResult::SpriteSectionCut; });
   for (const GrfProblem& p : file.Problems) {
+    if (sectionCut && p.Kind == GrfResult::MissingId) continue;
     int64_t lost = -1;
     if (p.Kind == GrfResult::OutOfBuffer || p.Kind == GrfResult::DataSectionCut) {
       if (declared >= 0) lost = std::max<int64_t>(declared + 1 - count, 0);
@@ -87,6 +92,10 @@ void CheckFileEnd(const GrfFile& file, const FileReading& reading, std::vector<F
         lost += s.Info == kV2Reference && s.AlternativeCount == 0;
       out.push_back(Make(CheckCode::FileCut, -1, file.FileLength, lost));
       cut = true;
+    } else {
+      Finding f = Make(CheckCode::ContainerProblem, p.Sprite > 0 ? p.Sprite - 1 : -1);
+      f.Problem = p;
+      out.push_back(f);
     }
   }
   if (hasCount && !cut && declared != count - 1)
@@ -338,7 +347,19 @@ void CheckPictures(const GrfFile& file, const FileReading& reading, std::vector<
     if (reading.Actions.Sprites[static_cast<size_t>(i)].Kind == RoleKind::Glyph) continue;
     const int32_t shown = DefaultAlternative(file, i);
     if (shown < 0 || FactsOf(file, i, shown).Kind != SpriteKind::Picture) continue;
-    if (PictureOf(file, i, shown, picture) != GrfResult::Ok) continue;
+    if (const GrfResult r = PictureOf(file, i, shown, picture); r != GrfResult::Ok) {
+      Finding f = Make(CheckCode::PictureUnreadable, i);
+      f.Problem = {r, 0, i + 1, 0, 0};
+      if (file.Container == 2) {
+        const GrfV2Sprite& s = file.Index.Sprites[static_cast<size_t>(i)];
+        const GrfV2Alternative& a =
+            file.Index.Alternatives[static_cast<size_t>(s.FirstAlternative + shown)];
+        f.Problem.Position = a.StreamOffset;
+        f.Problem.Id = a.Id;
+      }
+      out.push_back(f);
+      continue;
+    }
     // One transparent pixel is the usual deliberate blank.
     if (int64_t{picture.Width} * picture.Height > 1 && WhollyTransparent(picture))
       out.push_back(Make(CheckCode::Transparent, i, picture.Width, picture.Height));

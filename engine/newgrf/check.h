@@ -21,14 +21,16 @@ enum class CheckCode : uint16_t {
   SpriteCountDiffers = 102,  // Values: declared, sprites after sprite 0
   BlockShort = 103,          // Values: sprites claimed, sprites present
   PictureForRecolour = 104,
-  NotAPicture = 105,      // Values[0]: 0 a pseudo-sprite, 1 non-image data
-  NotASound = 106,        // Values[0]: 0 a picture, 1 data with no sound head
-  FileCut = 107,          // Values: the byte where it ends, sprites lost (-1: not known)
-  UnknownProperty = 108,  // Values: property
-  UndefinedGroup = 201,   // Values: group ID
-  UndefinedSet = 202,     // Values: set, 1 when no Action 01 of the feature came before
-  SetOutsideFile = 203,   // Values: set
-  GroupLoop = 204,        // Values: group ID
+  NotAPicture = 105,        // Values[0]: 0 a pseudo-sprite, 1 non-image data
+  NotASound = 106,          // Values[0]: 0 a picture, 1 data with no sound head
+  FileCut = 107,            // Values: the byte where it ends, sprites lost (-1: not known)
+  UnknownProperty = 108,    // Values: property
+  ContainerProblem = 109,   // Problem: what the container's reader found
+  PictureUnreadable = 110,  // Problem: why the shown picture cannot be decoded
+  UndefinedGroup = 201,     // Values: group ID
+  UndefinedSet = 202,       // Values: set, 1 when no Action 01 of the feature came before
+  SetOutsideFile = 203,     // Values: set
+  GroupLoop = 204,          // Values: group ID
   GraphicsNoProperties = 205,
   PropertiesNoGraphics = 206,
   GroupUnreached = 207,    // Values: group ID
@@ -51,6 +53,7 @@ struct Finding {
   uint8_t Feature = 0;
   uint32_t Id = 0;
   int64_t Values[3] = {0, 0, 0};
+  GrfProblem Problem;  // 109 and 110
 };
 
 // Every finding, ordered by sprite (the file's own first). Linear in the file's sprites and

@@ -35,6 +35,8 @@ const std::vector<CodeRow>& CheckCodes() {
       {CheckCode::NotASound, Severity::Error, "sound block member that is not a sound"},
       {CheckCode::FileCut, Severity::Error, "file cut short"},
       {CheckCode::UnknownProperty, Severity::Warning, "property of unknown size"},
+      {CheckCode::ContainerProblem, Severity::Error, "entry the container cannot take in whole"},
+      {CheckCode::PictureUnreadable, Severity::Error, "picture that cannot be decoded"},
       {CheckCode::UndefinedGroup, Severity::Error, "reference to a group never defined"},
       {CheckCode::UndefinedSet, Severity::Error, "set beyond the last Action 01"},
       {CheckCode::SetOutsideFile, Severity::Error, "set runs past the end of the file"},
@@ -114,6 +116,9 @@ std::string FindingText(const Finding& f) {
     case CheckCode::UnknownProperty:
       return "property " + HexDigits(static_cast<uint32_t>(a), 2) + " of " +
              FeatureWord(f.Feature) + " has no known size; the rest of the Action 00 is not read";
+    case CheckCode::ContainerProblem:
+    case CheckCode::PictureUnreadable:
+      return GrfV2Text(f.Problem);
     case CheckCode::UndefinedGroup:
       return "refers to group " + HexDigits(static_cast<uint32_t>(a), 2) +
              ", which no Action 02 before it defines";
