@@ -313,22 +313,6 @@ struct Block {
   uint32_t InRange = 0;
 };
 
-uint64_t BlockSize(const ActionRecord& a) {
-  if (IsCut(a) && a.Action != 0x0A && a.Action != 0x12) return 0;
-  switch (a.Action) {
-    case 0x01:
-      return uint64_t{a.Count} * a.Number;
-    case 0x05:
-    case 0x11:
-      return a.Count;
-    case 0x0A:
-    case 0x12:
-      return a.Number;  // the sum of the ranges read
-    default:
-      return 0;
-  }
-}
-
 // The role of the next sprite of an open block.
 void MemberRole(Block& b, const ActionRecord& a, SpriteRole& role) {
   role.ActionIndex = b.ActionIndex;
@@ -384,6 +368,22 @@ void NoteIdentity(const ActionRecord& a, GrfIdentity& id) {
 }
 
 }  // namespace
+
+uint64_t BlockSize(const ActionRecord& a) {
+  if (IsCut(a) && a.Action != 0x0A && a.Action != 0x12) return 0;
+  switch (a.Action) {
+    case 0x01:
+      return uint64_t{a.Count} * a.Number;
+    case 0x05:
+    case 0x11:
+      return a.Count;
+    case 0x0A:
+    case 0x12:
+      return a.Number;  // the sum of the ranges read
+    default:
+      return 0;
+  }
+}
 
 GrfActions ReadActions(const std::vector<SpriteInput>& sprites) {
   GrfActions out;

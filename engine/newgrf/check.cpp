@@ -40,26 +40,6 @@ bool NeedsBoth(uint8_t feature) {
   }
 }
 
-// Sprites a block claims; 0 for actions that own none.
-uint64_t Claimed(const ActionRecord& a) {
-  switch (a.Action) {
-    case 0x01:
-      return uint64_t{a.Count} * a.Number;
-    case 0x05:
-    case 0x11:
-      return a.Count;
-    case 0x0A: {
-      uint64_t n = 0;
-      for (const ActionRange& r : a.Ranges) n += r.Count;
-      return n;
-    }
-    case 0x12:
-      return a.Number;
-    default:
-      return 0;
-  }
-}
-
 // Whether the member of a block at `role` is a recolour map by its place: Action 05 type 0A, or
 // an Action 0A replacing base sprites 775 to 790.
 bool RecolourPlace(const SpriteRole& role, const ActionRecord& owner) {
@@ -144,7 +124,7 @@ void CheckBlocks(const GrfFile& file, const FileReading& reading, std::vector<Fi
       out.push_back(f);
       continue;
     }
-    const uint64_t claimed = Claimed(a);
+    const uint64_t claimed = BlockSize(a);
     if (present[k] < claimed) {
       Finding f = Make(CheckCode::BlockShort, a.Sprite, static_cast<int64_t>(claimed),
                        static_cast<int64_t>(present[k]));
