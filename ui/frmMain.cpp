@@ -82,6 +82,7 @@ void frmMain::Form_Unload() {
 void frmMain::EraseStores() {
   DetachSheet();
   DetachItems();
+  DetachProblems();
   CloseGrfFile(File);
   Reading = FileReading{};
   ReadingDone = false;
@@ -158,6 +159,7 @@ void frmMain::LoadGRF() {
   }
   DetachSheet();  // the file it shows is replaced from here on
   DetachItems();
+  DetachProblems();
   setEnabled(false);
 
   SetCaption(this, "Getting number of sprites...");
@@ -207,6 +209,7 @@ void frmMain::LoadGRF() {
   Li->SetListIndex(0);
   AttachSheet();
   AttachItems();
+  AttachProblems();
   setEnabled(true);
   Loaded();
 }

@@ -19,6 +19,7 @@
 #include "frmChunk.h"
 #include "frmDetails.h"
 #include "frmItems.h"
+#include "frmProblems.h"
 #include "frmSheet.h"
 #include "grffile.h"
 #include "palette.h"
@@ -92,6 +93,7 @@ class frmMain : public QMainWindow {
   std::vector<std::vector<int32_t>> ItemsOfSprite;
   bool ItemsDone = false;
   std::unique_ptr<frmItems> ItemsWindow;
+  std::unique_ptr<frmProblems> ProblemsWindow;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -173,6 +175,7 @@ class frmMain : public QMainWindow {
   QAction* mnuFollow;
   QAction* mnuSheet;
   QAction* mnuItems;
+  QAction* mnuProblems;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -283,6 +286,11 @@ class frmMain : public QMainWindow {
   void ReadItemsOnce();
   void AttachItems();
   void DetachItems();
+  // The Problems window's part (frmMain_problems.cpp).
+  void BuildProblemsItem();
+  void mnuProblems_Click();
+  void AttachProblems();
+  void DetachProblems();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
