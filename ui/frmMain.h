@@ -282,6 +282,8 @@ class frmMain : public QMainWindow {
   void DetachSheet();
   // The Items window's part (frmMain_items.cpp).
   void BuildItemsItem();
+  // Puts a window's item into the View menu right after `before` (at the end without it).
+  void AddViewItemAfter(QAction* before, QAction* item);
   void mnuItems_Click();
   void ReadItemsOnce();
   void AttachItems();

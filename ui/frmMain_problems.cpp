@@ -10,12 +10,7 @@ namespace vossel {
 void frmMain::BuildProblemsItem() {
   mnuProblems = new QAction(QStringLiteral("&Problems"), this);
   // Beside the Items window.
-  const QList<QAction*> items = mnuView->actions();
-  const qsizetype at = items.indexOf(mnuItems);
-  if (at >= 0 && at + 1 < items.size())
-    mnuView->insertAction(items[at + 1], mnuProblems);
-  else
-    mnuView->addAction(mnuProblems);
+  AddViewItemAfter(mnuItems, mnuProblems);
   connect(mnuProblems, &QAction::triggered, this, [this] { mnuProblems_Click(); });
 }
 
