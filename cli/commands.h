@@ -97,6 +97,7 @@ int CmdSheet(const std::vector<std::string>& args);
 int CmdItems(const std::vector<std::string>& args);
 int CmdItem(const std::vector<std::string>& args);
 int CmdDiff(const std::vector<std::string>& args);
+int CmdCheck(const std::vector<std::string>& args);
 
 // The text chunks of an exported PNG that carry the sprite's offsets.
 inline constexpr const char kXOffsetKey[] = "XOffset";

@@ -50,6 +50,10 @@ const char kUsage[] =
     "                                     with both NFO lines, items; --pixels counts the changed\n"
     "                                     pixels and boxes them; exit 0 same, 1 different, 2 "
     "trouble\n"
+    "  check FILE [--json] [--ignore CODE,...]\n"
+    "                                     the mistakes the file carries, one line each:\n"
+    "                                     SPRITE: severity CODE: text; exit 3 with warnings only,\n"
+    "                                     4 with errors\n"
     "\n"
     "Options:\n"
     "  --json         one JSON document on standard output instead of the text\n"
@@ -66,7 +70,8 @@ const char kUsage[] =
     "  --version      the program's version\n"
     "\n"
     "Exit status: 0 done, 1 the file cannot be read or is too small, the load found a problem,\n"
-    "a value is out of range or standard output cannot be written, 2 wrong usage.\n";
+    "a value is out of range or standard output cannot be written, 2 wrong usage; check gives 3\n"
+    "when it finds warnings only, 4 when it finds errors.\n";
 
 }  // namespace
 
@@ -97,6 +102,7 @@ int main(int argc, char** argv) {
   if (command == "items") return CmdItems(args);
   if (command == "item") return CmdItem(args);
   if (command == "diff") return CmdDiff(args);
+  if (command == "check") return CmdCheck(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

@@ -31,7 +31,7 @@ _vossel_cli() {
   ((COMP_CWORD > 0)) && prev=${COMP_WORDS[COMP_CWORD - 1]}
   COMPREPLY=()
 
-  local commands="list info sprite chunks about nfo items item diff export sheet"
+  local commands="list info sprite chunks about nfo items item check diff export sheet"
   if ((COMP_CWORD <= 1)); then
     _vossel_cli_words "$commands --help --version" "$cur"
     return 0
@@ -42,6 +42,10 @@ _vossel_cli() {
   local valued= flags=
   case $command in
     list | info | about | items | item) flags="--json" ;;
+    check)
+      valued="--ignore"
+      flags="--json"
+      ;;
     sprite)
       valued="--png --palette --company --base-set --zoom --depth"
       flags="--force --json"

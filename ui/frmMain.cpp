@@ -82,6 +82,7 @@ void frmMain::Form_Unload() {
 void frmMain::EraseStores() {
   DetachSheet();
   DetachItems();
+  DetachProblems();
   CloseGrfFile(File);
   Reading = FileReading{};
   ReadingDone = false;
@@ -156,6 +157,7 @@ void frmMain::LoadGRF() {
   }
   DetachSheet();  // the file it shows is replaced from here on
   DetachItems();
+  DetachProblems();
   setEnabled(false);
   StartMapsSearch();
 
@@ -206,6 +208,7 @@ void frmMain::LoadGRF() {
   Li->SetListIndex(0);
   AttachSheet();
   AttachItems();
+  AttachProblems();
   setEnabled(true);
   Loaded();
 }

@@ -20,6 +20,7 @@
 #include "frmChunk.h"
 #include "frmDetails.h"
 #include "frmItems.h"
+#include "frmProblems.h"
 #include "frmSheet.h"
 #include "grffile.h"
 #include "look.h"
@@ -93,6 +94,7 @@ class frmMain : public QMainWindow {
   std::vector<std::vector<int32_t>> ItemsOfSprite;
   bool ItemsDone = false;
   std::unique_ptr<frmItems> ItemsWindow;
+  std::unique_ptr<frmProblems> ProblemsWindow;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -174,6 +176,7 @@ class frmMain : public QMainWindow {
   QAction* mnuFollow;
   QAction* mnuSheet;
   QAction* mnuItems;
+  QAction* mnuProblems;
   QMenu* mnuTools;
   QAction* mnuChunk;
   QMenu* mnuHelp;
@@ -288,10 +291,17 @@ class frmMain : public QMainWindow {
   void DetachSheet();
   // The Items window's part (frmMain_items.cpp).
   void BuildItemsItem();
+  // Puts a window's item into the View menu right after `before` (at the end without it).
+  void AddViewItemAfter(QAction* before, QAction* item);
   void mnuItems_Click();
   void ReadItemsOnce();
   void AttachItems();
   void DetachItems();
+  // The Problems window's part (frmMain_problems.cpp).
+  void BuildProblemsItem();
+  void mnuProblems_Click();
+  void AttachProblems();
+  void DetachProblems();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;

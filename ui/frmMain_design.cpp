@@ -94,6 +94,7 @@ void frmMain::BuildMenus() {
   BuildViewItems();
   BuildFollowItems();
   BuildItemsItem();
+  BuildProblemsItem();
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
   mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));

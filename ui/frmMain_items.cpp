@@ -12,13 +12,17 @@ void frmMain::BuildItemsItem() {
   mnuItems = new QAction(QStringLiteral("&Items"), this);
   mnuItems->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
   // Beside the other windows of the View menu: after the Sprite Sheet.
-  const QList<QAction*> items = mnuView->actions();
-  const qsizetype at = items.indexOf(mnuSheet);
-  if (at >= 0 && at + 1 < items.size())
-    mnuView->insertAction(items[at + 1], mnuItems);
-  else
-    mnuView->addAction(mnuItems);
+  AddViewItemAfter(mnuSheet, mnuItems);
   connect(mnuItems, &QAction::triggered, this, [this] { mnuItems_Click(); });
+}
+
+void frmMain::AddViewItemAfter(QAction* before, QAction* item) {
+  const QList<QAction*> items = mnuView->actions();
+  const qsizetype at = items.indexOf(before);
+  if (at >= 0 && at + 1 < items.size())
+    mnuView->insertAction(items[at + 1], item);
+  else
+    mnuView->addAction(item);
 }
 
 void frmMain::ReadItemsOnce() {

@@ -312,22 +312,6 @@ struct Block {
   uint32_t InRange = 0;
 };
 
-uint64_t BlockSize(const ActionRecord& a) {
-  if (IsCut(a) && a.Action != 0x0A && a.Action != 0x12) return 0;
-  switch (a.Action) {
-    case 0x01:
-      return uint64_t{a.Count} * a.Number;
-    case 0x05:
-    case 0x11:
-      return a.Count;
-    case 0x0A:
-    case 0x12:
-      return a.Number;  // the sum of the ranges read
-    default:
-      return 0;
-  }
-}
-
 // The role of the next sprite of an open block.
 void MemberRole(Block& b, const ActionRecord& a, SpriteRole& role) {
   role.ActionIndex = b.ActionIndex;
@@ -395,6 +379,22 @@ bool SplitNamedSound(const uint8_t* data, uint64_t size, SoundParts& parts) {
   parts.Wav = data + at;
   parts.WavSize = size - at;
   return true;
+}
+
+uint64_t BlockSize(const ActionRecord& a) {
+  if (IsCut(a) && a.Action != 0x0A && a.Action != 0x12) return 0;
+  switch (a.Action) {
+    case 0x01:
+      return uint64_t{a.Count} * a.Number;
+    case 0x05:
+    case 0x11:
+      return a.Count;
+    case 0x0A:
+    case 0x12:
+      return a.Number;  // the sum of the ranges read
+    default:
+      return 0;
+  }
 }
 
 GrfActions ReadActions(const std::vector<SpriteInput>& sprites) {

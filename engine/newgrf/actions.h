@@ -107,6 +107,10 @@ inline bool IsCut(const ActionRecord& a) {
   return a.Need > a.Have;
 }
 
+// The sprites an Action 01, 05, 0A, 11 or 12 takes after it; 0 for other actions and for a cut
+// one, but for the sets a cut 0A or 12 read whole.
+uint64_t BlockSize(const ActionRecord& a);
+
 enum class RoleKind : uint8_t {
   Action,        // a pseudo-sprite read as an action: Actions[ActionIndex]
   SpriteCount,   // the sprite count: Actions[ActionIndex]

@@ -30,7 +30,8 @@ expect() {
   fi
 }
 
-expect "vossel-cli " "list info sprite chunks about nfo items item diff export sheet --help --version"
+expect "vossel-cli " "list info sprite chunks about nfo items item check diff export sheet --help --version"
+expect "vossel-cli check a.grf --" "--ignore --json"
 expect "vossel-cli s" "sprite sheet"
 expect "vossel-cli list " "a.grf B.GRF out sets"
 expect "vossel-cli list sets/" "sets/x.grf"
