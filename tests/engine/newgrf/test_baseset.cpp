@@ -21,14 +21,6 @@ std::string Summary(const BaseSetDescriptor& d) {
          d.Toyland + "|" + d.Extra;
 }
 
-// A folder of its own under the temp folder, emptied first.
-std::filesystem::path Folder(const std::string& name) {
-  const auto dir = std::filesystem::path(grfw::WriteTemp("x", {})).parent_path() / name;
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  return dir;
-}
-
 void Write(const std::filesystem::path& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
@@ -67,7 +59,7 @@ TEST(Descriptor, Cases) {
 
   BaseSetDescriptor d;
   EXPECT_EQ(ReadDescriptor("/nonexistent/x.obg", d), DescriptorRead::CannotOpen);
-  const auto big = Folder("big") / "big.obg";
+  const auto big = grfw::FreshFolder("big", true) / "big.obg";
   Write(big, std::string(kMaxDescriptorBytes + 1, '\n'));
   EXPECT_EQ(ReadDescriptor(big.string(), d), DescriptorRead::TooLarge);
 }
@@ -93,7 +85,7 @@ TEST(Descriptor, DeclaredPaletteAndItsText) {
 }
 
 TEST(Descriptor, FoundBesideTheFileAndAmongInstalledSets) {
-  const auto dir = Folder("sets");
+  const auto dir = grfw::FreshFolder("sets", true);
   std::filesystem::create_directories(dir / "sub");
   Write(dir / "b.obg", "[metadata]\npalette=Windows\n[files]\nbase=ONE.GRF\ntoyland=toy.grf\n");
   Write(dir / "a.obg", "[metadata]\npalette=DOS\n[files]\nbase=missing.grf\nextra=toy.grf\n");
