@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "baseset.h"
+#include "case_file.h"
 #include "companymaps.h"
 #include "grf_writer.h"
 
@@ -39,23 +40,10 @@ std::vector<grfw::Bytes> RecolourData() {
 }  // namespace
 
 TEST(Descriptor, Cases) {
-  // Palette: 0 none, 1 Windows, 2 DOS, 3 unknown.
-  const std::pair<std::string, std::string> cases[] = {
-      {"[metadata]\nname = Set\nversion = 7\npalette = DOS\ndescription = A set\n"
-       "description.de_DE = Ein Satz\n[files]\nbase = b.grf\ntoyland = t.grf\nextra = e.grf\n",
-       "Set|7|DOS|2|A set|b.grf|t.grf|e.grf"},
-      {"\xEF\xBB\xBF[METADATA]\r\n  Name\t=  Spaced  \r\nPALETTE=windows\r\n; base = no.grf\r\n"
-       "[Files]\r\nBASE=B.GRF\r\n",
-       "Spaced||windows|1||B.GRF||"},
-      {"[Metadata]\nPalette = dOs\n", "||dOs|2||||"},
-      {"name = outside\n[files]\nname = wrong section\npalette = DOS\n[metadata]\npalette = VGA\n",
-       "||VGA|3||||"},
-      {"[metadata]\nname = first\nname = last\nversion\n[broken\nversion = 2\n[files\nbase = x\n",
-       "last|||0||||"},
-      {"", "|||0||||"},
-      {std::string("[metadata]\nname = a\0b\n", 22), std::string("a\0b|||0||||", 11)},
-  };
-  for (const auto& [text, want] : cases) EXPECT_EQ(Summary(ParseDescriptor(text)), want) << text;
+  for (const std::string& line : CaseLines("engine/newgrf/descriptor_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 2);
+    EXPECT_EQ(Summary(ParseDescriptor(Unescape(f[0]))), Unescape(f[1])) << f[0];
+  }
 
   BaseSetDescriptor d;
   EXPECT_EQ(ReadDescriptor("/nonexistent/x.obg", d), DescriptorRead::CannotOpen);

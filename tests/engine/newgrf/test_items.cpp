@@ -297,20 +297,10 @@ TEST(Items, CaseFiles) {
 }
 
 TEST(Items, FeaturesByNumberOrName) {
-  const std::pair<std::string, int> cases[] = {{"00", 0},
-                                               {"0a", 10},
-                                               {"0A", 10},
-                                               {"trains", 0},
-                                               {"Houses", 7},
-                                               {"ROAD VEHICLES", 1},
-                                               {"road-vehicles", 1},
-                                               {"industry_tiles", 9},
-                                               {"x", -1},
-                                               {"123", -1},
-                                               {"", -1}};
-  for (const auto& [text, want] : cases) {
-    uint8_t f = 0;
-    EXPECT_EQ(ParseFeature(text, f) ? int(f) : -1, want) << text;
+  for (const std::string& line : CaseLines("engine/newgrf/feature_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 2);
+    uint8_t feature = 0;
+    EXPECT_EQ(ParseFeature(f[0], feature) ? int(feature) : -1, std::stoi(f[1])) << f[0];
   }
   EXPECT_EQ(DateText(0), "0000-01-01");
   EXPECT_EQ(DateText(701265), "1920-01-01");
