@@ -1,5 +1,6 @@
 // vossel-cli run as the real binary: what it prints and its exit status, for every command on
-// files of every kind of record and chunk and on the real files, and for every kind of wrong usage.
+// files of every kind of record and chunk and on the real files, and for every kind of wrong usage;
+// standard output that cannot be written; the rough edges of the arguments.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -28,11 +29,6 @@ using grfw::Bytes;
 namespace {
 
 namespace fs = std::filesystem;
-
-Bytes ReadAllBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
 
 // One record of each kind, chunks at the edges of both kinds, and a last record cut short.
 Bytes Kinds() {
@@ -72,6 +68,14 @@ Bytes Version2() {
        grfw::V2Raw(6, {0xFF, 1, 2, 3})});
 }
 
+// A pseudo-sprite and a picture, for diff.
+Bytes Small(uint8_t pixel, int16_t x) {
+  return grfw::File({grfw::ActionRecord({0x0C, 'n', 'o', 't', 'e'}),
+                     grfw::PlainSprite(3, 2, {1, 2, 3, 4, 5, pixel}, x, 0)});
+}
+
+const std::string kData = std::string(VOSSEL_TESTS_DIR) + "/data/newgrf";
+
 // The command, what it printed and its exit status; whether a PNG it was asked for is there.
 std::string Transcript(const std::vector<std::string>& args, const std::string& tmp) {
   std::string text = "$ vossel-cli";
@@ -84,6 +88,8 @@ std::string Transcript(const std::vector<std::string>& args, const std::string& 
           std::to_string(run.Status) + "\n";
   if (png != args.end()) text += fs::exists(png[1]) ? "PNG written\n" : "no PNG\n";
   text = std::regex_replace(text + "\n", std::regex(tmp), "<tmp>");
+  text = std::regex_replace(text, std::regex(kData), "<data>");
+  text = std::regex_replace(text, std::regex("Milliseconds\": \\d+"), "Milliseconds\": N");
   return std::regex_replace(text, std::regex("in \\d+\\.\\d\\d seconds"), "in N.NN seconds");
 }
 
@@ -100,11 +106,15 @@ TEST(Cli, Transcript) {
                                                  {"empty.grf", {}},
                                                  {"sixteen.grf", Bytes(16, 1)},
                                                  {"none.grf", Bytes(20, 0)},
-                                                 {"v2.grf", Version2()}};
+                                                 {"v2.grf", Version2()},
+                                                 {"diff-a.grf", Small(6, 0)},
+                                                 {"diff-b.grf", Small(7, -2)},
+                                                 {"diff-c.grf", Small(7, 0)}};
   for (const auto& [name, bytes] : files) grfw::WriteTemp(name, bytes);
   std::string text;
   for (std::string line : CaseLines("cli/commands.txt")) {
     line = std::regex_replace(line, std::regex("<tmp>"), tmp);
+    line = std::regex_replace(line, std::regex("<data>"), kData);
     std::istringstream words(std::regex_replace(line, std::regex("<base>"), VOSSEL_BASESET_DIR));
     std::vector<std::string> args;
     for (std::string w; words >> w;)
@@ -128,7 +138,7 @@ TEST(Cli, NfoReadsBackIntoEveryPseudoSprite) {
   const std::string base = VOSSEL_BASESET_DIR;
   for (const std::string name : {"openttd.grf", "orig_extra.grf"}) {
     if (!fs::exists(base + "/" + name)) continue;
-    const Bytes bytes = ReadAllBytes(base + "/" + name);
+    const Bytes bytes = grfw::ReadFile(base + "/" + name);
     const vossel::ReferenceLoad ref =
         vossel::ReferenceDecode(bytes.data(), static_cast<int32_t>(bytes.size()), {});
     std::map<int, Bytes> pseudo;
@@ -141,7 +151,7 @@ TEST(Cli, NfoReadsBackIntoEveryPseudoSprite) {
   }
   // Version 2: the data section's entries of info FF, walked here.
   if (const std::string v2 = base + "/opengfx/ogfxe_extra.grf"; fs::exists(v2)) {
-    const Bytes b = ReadAllBytes(v2);
+    const Bytes b = grfw::ReadFile(v2);
     std::map<int, Bytes> pseudo;
     for (size_t at = 15, n = 0;; ++n) {
       const size_t size = b[at] | b[at + 1] << 8 | b[at + 2] << 16 | size_t{b[at + 3]} << 24;
@@ -218,4 +228,51 @@ TEST(Cli, PngsCarryTheChosenPaletteAndCompanyColours) {
       changed += red[static_cast<size_t>(i)] != i;
     }
   EXPECT_GT(changed, 0);
+}
+
+// Standard output that cannot be written fails every command that prints, naming why.
+TEST(CliRoughEdges, AFullStandardOutputFails) {
+  const std::string grf = grfw::WriteTemp(
+      "full.grf",
+      grfw::File({grfw::ActionRecord({1, 2, 3}), grfw::PlainSprite(2, 2, {1, 2, 3, 4})}));
+  const std::vector<std::vector<std::string>> commands = {{"list", grf},
+                                                          {"info", grf},
+                                                          {"about", grf},
+                                                          {"nfo", grf},
+                                                          {"sprite", grf, "2"},
+                                                          {"chunks", grf, "2"},
+                                                          {"list", grf, "--json"},
+                                                          {"sprite", grf, "1", "--json"},
+                                                          {"sprite", grf, "2", "--png", "-"}};
+  for (const std::vector<std::string>& args : commands) {
+    const CliRun run = RunCli(args, "/dev/full");
+    EXPECT_EQ(run.Status, 1) << args[0];
+    EXPECT_EQ(run.Err, "vossel-cli: cannot write to standard output: No space left on device\n")
+        << args[0];
+  }
+}
+
+// "-" is standard output; colour names are taken in any case. (Palette names, unknown options and
+// sprites out of range are in the transcript.)
+TEST(CliRoughEdges, ArgumentsAsANewUserGivesThem) {
+  const std::string grf = grfw::WriteTemp(
+      "edges.grf",
+      grfw::File({grfw::ActionRecord({1, 2, 3}), grfw::PlainSprite(2, 2, {1, 2, 3, 4}, -1, 2)}));
+  const std::string file = (fs::path(grf).parent_path() / "edges.png").string();
+  fs::remove(file);
+  ASSERT_EQ(RunCli({"sprite", grf, "2", "--png", file}).Status, 0);
+  const CliRun run = RunCli({"sprite", grf, "2", "--png", "-"});
+  EXPECT_EQ(run.Status, 0) << run.Err;
+  std::stringstream written;
+  written << std::ifstream(file, std::ios::binary).rdbuf();
+  EXPECT_EQ(run.Out, written.str());
+  EXPECT_EQ(RunCli({"sprite", grf, "2", "--png", "-", "--json"}).Status, 2);
+  if (const std::string openttd = std::string(VOSSEL_BASESET_DIR) + "/openttd.grf";
+      fs::exists(openttd)) {
+    const auto png = [&](const char* colour) {
+      return RunCli({"sprite", openttd, "1310", "--company", colour, "--png", "-"}).Out;
+    };
+    EXPECT_EQ(png("Light-Blue"), png("light-blue"));
+    EXPECT_FALSE(png("LIGHT-BLUE").empty());
+  }
 }

@@ -246,8 +246,7 @@ std::vector<Wanted> WantedByEngine(const std::string& path) {
 }
 
 std::string ExportRoot(const std::string& grf, const std::string& folder) {
-  const fs::path root = fs::path(grfw::WriteTemp("anchor", {})).parent_path() / folder;
-  fs::remove_all(root);
+  const fs::path root = grfw::FreshFolder(folder);
   const CliRun run = RunCli({"export", grf, (root / "sprites").string()});
   EXPECT_EQ(run.Status, 0) << run.Err;
   return root.string();

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -317,12 +318,31 @@ inline Bytes V2File(const std::vector<Bytes>& data, const std::vector<Bytes>& sp
   return f;
 }
 
-// Writes bytes to a fresh file under the test temp folder and gives its path.
-inline std::string WriteTemp(const std::string& name, const Bytes& bytes) {
+// The test temp folder, one for each test process.
+inline std::filesystem::path TempDir() {
   const auto dir =
       std::filesystem::temp_directory_path() / ("vossel-tests-" + std::to_string(getpid()));
   std::filesystem::create_directories(dir);
-  const auto path = dir / name;
+  return dir;
+}
+
+// A folder of its own under the temp folder, removed first; made anew, empty, when `make` is set.
+inline std::filesystem::path FreshFolder(const std::string& name, bool make = false) {
+  const auto dir = TempDir() / name;
+  std::filesystem::remove_all(dir);
+  if (make) std::filesystem::create_directories(dir);
+  return dir;
+}
+
+// A whole file's bytes; none when it cannot be read.
+inline Bytes ReadFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+// Writes bytes to a fresh file under the test temp folder and gives its path.
+inline std::string WriteTemp(const std::string& name, const Bytes& bytes) {
+  const auto path = TempDir() / name;
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(reinterpret_cast<const char*>(bytes.data()),
             static_cast<std::streamsize>(bytes.size()));

@@ -119,26 +119,24 @@ TEST(Actions, IdentityOfTheCaseFile) {
 }
 
 TEST(Actions, Texts) {
-  const std::pair<Bytes, std::string> decoded[] = {
-      {{'A', 0xE9, 0x0D, 0x7B, 0x9F, 0xA0, 0xFF}, "A\xC3\xA9{0D}{7B}{9F}\xC2\xA0\xC3\xBF"},
-      {{0xC3, 0x9E, 'x', 0xC3, 0xA9, 0x7E, 0x7B, 0xC2, 0x85, 0xEE, 0x82, 0x8E, 0x01},
-       "x\xC3\xA9~{7B}{85}{8E}{01}"},
-      // Broken UTF-8: a lone continuation, an overlong form, a sequence cut at the end.
-      {{0xC3, 0x9E, 0x80, 0xC0, 0xAF, 'a', 0xE2, 0x82},
-       "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"
-       "a\xEF\xBF\xBD\xEF\xBF\xBD"},
-      {{0xC3, 0x9E, 0xF0, 0x9F, 0x98, 0x80}, "\xF0\x9F\x98\x80"},
-      {{}, ""}};
-  for (const auto& [bytes, want] : decoded)
-    EXPECT_EQ(DecodeGrfText(bytes.data(), bytes.size()), want);
-  const std::pair<Bytes, std::string> ids[] = {{{'N', 'M', 'L', 0}, "4E4D4C00 (NML\\00)"},
-                                               {{0xFF, 'O', 'T', 1}, "FF4F5401"},
-                                               {{'a', 'b', ' ', '~'}, "6162207E (ab ~)"}};
-  for (const auto& [id, want] : ids) EXPECT_EQ(GrfIdText(id.data()), want);
-  const std::pair<Bytes, std::string> nfo[] = {
-      {{0x08, 'N', 'M', 'L', 0x00, '"', '\\', ' '}, "08 \"NML\" 00 22 5C \" \""}, {{'a'}, "\"a\""}};
-  for (const auto& [bytes, want] : nfo) EXPECT_EQ(NfoBytes(bytes.data(), bytes.size()), want);
-  for (const char* bad : {"0", "0G", "\"ab", "012", "AB\"x\""}) EXPECT_FALSE(ParseNfoBytes(bad));
+  for (const std::string& line : CaseLines("engine/newgrf/text_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 3);
+    if (f[0] == "bad") {
+      EXPECT_FALSE(ParseNfoBytes(f[1])) << f[1];
+      continue;
+    }
+    const Bytes b = Hex(f[1]);
+    const std::string want = Unescape(f[2]);
+    if (f[0] == "decode") {
+      EXPECT_EQ(DecodeGrfText(b.data(), b.size()), want);
+    }
+    if (f[0] == "grfid") {
+      EXPECT_EQ(GrfIdText(b.data()), want);
+    }
+    if (f[0] == "nfo") {
+      EXPECT_EQ(NfoBytes(b.data(), b.size()), want);
+    }
+  }
   EXPECT_EQ(ParseNfoBytes(" ab\t\"\" 0F ").value(), Bytes({0xAB, 0x0F}));
   EXPECT_EQ(ActionName(0x08), "GRF ID and name");
   EXPECT_EQ(FeatureName(0x16), "feature 16");

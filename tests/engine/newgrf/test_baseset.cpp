@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "baseset.h"
+#include "case_file.h"
 #include "companymaps.h"
 #include "grf_writer.h"
 
@@ -19,14 +20,6 @@ std::string Summary(const BaseSetDescriptor& d) {
   return d.Name + "|" + d.Version + "|" + d.PaletteText + "|" +
          std::to_string(static_cast<int>(d.Palette)) + "|" + d.Description + "|" + d.Base + "|" +
          d.Toyland + "|" + d.Extra;
-}
-
-// A folder of its own under the temp folder, emptied first.
-std::filesystem::path Folder(const std::string& name) {
-  const auto dir = std::filesystem::path(grfw::WriteTemp("x", {})).parent_path() / name;
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  return dir;
 }
 
 void Write(const std::filesystem::path& path, const std::string& text) {
@@ -47,27 +40,14 @@ std::vector<grfw::Bytes> RecolourData() {
 }  // namespace
 
 TEST(Descriptor, Cases) {
-  // Palette: 0 none, 1 Windows, 2 DOS, 3 unknown.
-  const std::pair<std::string, std::string> cases[] = {
-      {"[metadata]\nname = Set\nversion = 7\npalette = DOS\ndescription = A set\n"
-       "description.de_DE = Ein Satz\n[files]\nbase = b.grf\ntoyland = t.grf\nextra = e.grf\n",
-       "Set|7|DOS|2|A set|b.grf|t.grf|e.grf"},
-      {"\xEF\xBB\xBF[METADATA]\r\n  Name\t=  Spaced  \r\nPALETTE=windows\r\n; base = no.grf\r\n"
-       "[Files]\r\nBASE=B.GRF\r\n",
-       "Spaced||windows|1||B.GRF||"},
-      {"[Metadata]\nPalette = dOs\n", "||dOs|2||||"},
-      {"name = outside\n[files]\nname = wrong section\npalette = DOS\n[metadata]\npalette = VGA\n",
-       "||VGA|3||||"},
-      {"[metadata]\nname = first\nname = last\nversion\n[broken\nversion = 2\n[files\nbase = x\n",
-       "last|||0||||"},
-      {"", "|||0||||"},
-      {std::string("[metadata]\nname = a\0b\n", 22), std::string("a\0b|||0||||", 11)},
-  };
-  for (const auto& [text, want] : cases) EXPECT_EQ(Summary(ParseDescriptor(text)), want) << text;
+  for (const std::string& line : CaseLines("engine/newgrf/descriptor_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 2);
+    EXPECT_EQ(Summary(ParseDescriptor(Unescape(f[0]))), Unescape(f[1])) << f[0];
+  }
 
   BaseSetDescriptor d;
   EXPECT_EQ(ReadDescriptor("/nonexistent/x.obg", d), DescriptorRead::CannotOpen);
-  const auto big = Folder("big") / "big.obg";
+  const auto big = grfw::FreshFolder("big", true) / "big.obg";
   Write(big, std::string(kMaxDescriptorBytes + 1, '\n'));
   EXPECT_EQ(ReadDescriptor(big.string(), d), DescriptorRead::TooLarge);
 }
@@ -93,7 +73,7 @@ TEST(Descriptor, DeclaredPaletteAndItsText) {
 }
 
 TEST(Descriptor, FoundBesideTheFileAndAmongInstalledSets) {
-  const auto dir = Folder("sets");
+  const auto dir = grfw::FreshFolder("sets", true);
   std::filesystem::create_directories(dir / "sub");
   Write(dir / "b.obg", "[metadata]\npalette=Windows\n[files]\nbase=ONE.GRF\ntoyland=toy.grf\n");
   Write(dir / "a.obg", "[metadata]\npalette=DOS\n[files]\nbase=missing.grf\nextra=toy.grf\n");

@@ -6,7 +6,7 @@
 
 #include "compare.h"
 #include "grf_writer.h"
-#include "grffile.h"
+#include "open_grf.h"
 
 using namespace vossel;
 using grfw::Bytes;
@@ -86,22 +86,9 @@ Bytes Version2(const Parts& p) {
   return grfw::V2File(data, sprites);
 }
 
-struct Opened {
-  GrfFile File;
-  FileReading Reading;
-};
-
-std::unique_ptr<Opened> Open(const std::string& name, const Bytes& bytes) {
-  auto o = std::make_unique<Opened>();
-  const MessageFn quiet = [](const std::string&) {};
-  const std::string path = grfw::WriteTemp(name, bytes);
-  EXPECT_EQ(LoadGrfFile(path, o->File, quiet, quiet).End, OpenEnd::Ok) << path;
-  ReadFileActions(o->File, o->Reading);
-  return o;
-}
-
 GrfComparison Compare(const Bytes& a, const Bytes& b, bool count = true) {
-  const auto x = Open("compare-a.grf", a), y = Open("compare-b.grf", b);
+  const auto x = OpenGrf(grfw::WriteTemp("compare-a.grf", a));
+  const auto y = OpenGrf(grfw::WriteTemp("compare-b.grf", b));
   CompareOptions options;
   options.CountPixels = count;
   return CompareFiles(x->File, x->Reading, y->File, y->Reading, options);
@@ -238,15 +225,9 @@ TEST(Compare, ChangedPixelsAreCountedAndBoxed) {
 
 TEST(Compare, RealFileAgainstItself) {
   for (const char* name : {"ekranoplan.grf", "ogfx-mars-houses.grf"}) {
-    const std::string path = std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name;
-    Opened a, b;
-    const MessageFn quiet = [](const std::string&) {};
-    ASSERT_EQ(LoadGrfFile(path, a.File, quiet, quiet).End, OpenEnd::Ok);
-    ASSERT_EQ(LoadGrfFile(path, b.File, quiet, quiet).End, OpenEnd::Ok);
-    ReadFileActions(a.File, a.Reading);
-    ReadFileActions(b.File, b.Reading);
+    const auto a = OpenGrf(NewGrfPath(name)), b = OpenGrf(NewGrfPath(name));
     CompareOptions options;
     options.CountPixels = true;
-    EXPECT_TRUE(IsEqual(CompareFiles(a.File, a.Reading, b.File, b.Reading, options))) << name;
+    EXPECT_TRUE(IsEqual(CompareFiles(a->File, a->Reading, b->File, b->Reading, options))) << name;
   }
 }

@@ -13,6 +13,7 @@
 #include "grffile.h"
 #include "items.h"
 #include "nfo_bytes.h"
+#include "open_grf.h"
 #include "roles.h"
 
 using namespace vossel;
@@ -20,23 +21,15 @@ using grfw::Bytes;
 
 namespace {
 
-struct Loaded {
-  GrfFile File;
-  FileReading Reading;
+struct Loaded : OpenedGrf {
   GrfItems Items;
 };
 
 std::unique_ptr<Loaded> Load(const std::string& path) {
   auto l = std::make_unique<Loaded>();
-  const MessageFn quiet = [](const std::string&) {};
-  EXPECT_EQ(LoadGrfFile(path, l->File, quiet, quiet).End, OpenEnd::Ok) << path;
-  ReadFileActions(l->File, l->Reading);
+  OpenGrf(path, *l);
   l->Items = ReadItems(l->Reading);
   return l;
-}
-
-std::string RealFile(const std::string& name) {
-  return std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name;
 }
 
 // --- A decoder written here from the documented layouts alone
@@ -174,7 +167,7 @@ TEST(Items, RealVehiclesAsTheirBytesSay) {
                                                    {"ekranoplan.grf", 0x02}};
   for (const auto& [name, feature] : files) {
     SCOPED_TRACE(name);
-    const auto l = Load(RealFile(name));
+    const auto l = Load(NewGrfPath(name));
     const auto hand = HandVehicles(*l, feature);
     int named = 0;
     for (const auto& [id, h] : hand) {
@@ -204,7 +197,7 @@ TEST(Items, RealVehiclesAsTheirBytesSay) {
     EXPECT_EQ(vehicles, hand.size());
   }
   // Two values read off the files by eye, against a slip shared by both decoders.
-  const auto ships = Load(RealFile("ekranoplan.grf"));
+  const auto ships = Load(NewGrfPath("ekranoplan.grf"));
   const Item* eska = FindItem(ships->Items, 0x02, 11);
   ASSERT_NE(eska, nullptr);
   EXPECT_EQ(eska->Name, "Antonov ESKA-1");
@@ -224,7 +217,7 @@ TEST(Items, RealFilesCountsAndGraphs) {
   };
   for (const Want& w : wants) {
     SCOPED_TRACE(w.File);
-    const auto l = Load(RealFile(w.File));
+    const auto l = Load(NewGrfPath(w.File));
     std::map<uint8_t, int> counts;
     for (const Item& item : l->Items.Items) ++counts[item.Feature];
     EXPECT_EQ(counts, w.PerFeature);
@@ -304,20 +297,10 @@ TEST(Items, CaseFiles) {
 }
 
 TEST(Items, FeaturesByNumberOrName) {
-  const std::pair<std::string, int> cases[] = {{"00", 0},
-                                               {"0a", 10},
-                                               {"0A", 10},
-                                               {"trains", 0},
-                                               {"Houses", 7},
-                                               {"ROAD VEHICLES", 1},
-                                               {"road-vehicles", 1},
-                                               {"industry_tiles", 9},
-                                               {"x", -1},
-                                               {"123", -1},
-                                               {"", -1}};
-  for (const auto& [text, want] : cases) {
-    uint8_t f = 0;
-    EXPECT_EQ(ParseFeature(text, f) ? int(f) : -1, want) << text;
+  for (const std::string& line : CaseLines("engine/newgrf/feature_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 2);
+    uint8_t feature = 0;
+    EXPECT_EQ(ParseFeature(f[0], feature) ? int(feature) : -1, std::stoi(f[1])) << f[0];
   }
   EXPECT_EQ(DateText(0), "0000-01-01");
   EXPECT_EQ(DateText(701265), "1920-01-01");
