@@ -95,6 +95,7 @@ TEST(StartUp, GameFolderPaletteAndRefusal) {
   for (const std::string& line : CaseLines("ui/start_up_cases.txt")) {
     SCOPED_TRACE(line);
     const std::vector<std::string> f = Fields(line, 3);
+    ASSERT_EQ(f.size(), 3u) << line;
     const std::string palette = Unescape(f[1]);
     const struct {
       const char *Value, *Palette, *Current;

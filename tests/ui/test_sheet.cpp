@@ -101,6 +101,7 @@ TEST(SpriteSheet, EveryFilterAndTheGoToBox) {
   frmSheet& sheet = OpenSheet(form);
   for (const std::string& line : CaseLines("ui/sheet_filter_cases.txt")) {
     const std::vector<std::string> f = Fields(line, 4);
+    ASSERT_EQ(f.size(), f[0] == "go" ? 4u : 3u) << line;
     if (f[0] == "filter") {
       std::istringstream in(f[1] + " " + f[2]);
       int kinds = 0, role = 0, minWidth = 0, minHeight = 0;
