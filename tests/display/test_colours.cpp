@@ -6,6 +6,7 @@
 #include <cmath>
 #include <random>
 
+#include "case_file.h"
 #include "colours.h"
 #include "fileio.h"
 #include "load_sprites.h"
@@ -34,15 +35,10 @@ TEST(PaletteChoice, TokensFilesAndTexts) {
   dosToyland.Toyland = true;
   dosToyland.Source = PaletteSource::Descriptor;
   dosToyland.DescriptorName = "set.obg";
-  // token | file drawn in | why
-  const std::tuple<std::string, std::string, std::string> cases[] = {
-      {"windows", "ttdw-jasc.pal", "Windows (chosen)"},
-      {"dos", "ttd-dos-jasc.pal", "DOS (chosen)"},
-      {"declared", "ttd-dos-toyland-jasc.pal", "DOS toyland (declared by set.obg)"},
-      {"./dos", "./dos", "./dos (chosen)"},
-      {"Windows", "Windows", "Windows (chosen)"},
-  };
-  for (const auto& [token, file, why] : cases) {
+  for (const std::string& line : CaseLines("display/palette_choice_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 3);
+    ASSERT_EQ(f.size(), 3u) << line;
+    const std::string &token = f[0], &file = f[1], &why = f[2];
     PaletteChoice choice;
     ASSERT_TRUE(ParsePaletteChoice(token, choice));
     const std::string path = PaletteFileFor(choice, dosToyland);

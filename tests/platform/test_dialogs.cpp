@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "case_file.h"
 #include "filedialog.h"
 #include "folderdialog.h"
 #include "hwnd.h"
@@ -38,6 +39,15 @@ void WhenShown(std::function<bool(Dialog*)> act) {
   timer->start(5);
 }
 
+// A case file's text: "-" is none, and "\\*N;" makes N of the character before it.
+std::string Text(const std::string& field) {
+  const size_t star = field.find("\\*"), end = field.find(';', star);
+  if (field == "-" || star == std::string::npos) return field == "-" ? "" : Unescape(field);
+  std::string text = Unescape(field.substr(0, star));
+  text.append(std::stoul(field.substr(star + 2)) - 1, text.back());
+  return text + Text(field.substr(end + 1));
+}
+
 class FileDialog : public ::testing::Test {
  protected:
   void TearDown() override { SetFileDialogOps({}); }
@@ -59,32 +69,13 @@ class FileDialog : public ::testing::Test {
 }  // namespace
 
 TEST_F(FileDialog, OpenReadsTheBufferIntoTheFileName) {
-  const struct {
-    const char* What;
-    int32_t Returned;
-    std::string Buffer, Before, After;
-    bool Result;
-  } cases[] = {
-      {"cancel", 0, "", "/old", "/old", false},
-      {"one file replaces", 1, "/g/a.grf\0"s, "/a/much/longer/name.grf", "/g/a.grf", true},
-      {"blanks trimmed in front only", 1, "   /g/my a.grf  \0"s, "", "/g/my a.grf  ", true},
-      {"blanks alone", 1, "      \0"s, "/old", "/old", false},
-      {"empty first piece", 1, "\0/g/a.grf\0"s, "/old", "/old", false},
-      {"several", 1, "/g\0a.grf\0b.grf\0\0"s, "", "/g/a.grf|/g/b.grf", true},
-      {"several in the root", 1, "/\0a.grf\0b.grf\0\0"s, "", "/a.grf|/b.grf", true},
-      {"empty pieces skipped", 1, "/g\0a.grf\0\0\0b.grf\0"s, "", "/g/a.grf|/g/b.grf", true},
-      {"several, not cleared first", 1, "/g\0a.grf\0\0"s, "old", "ld|/g/a.grf", true},
-      {"second piece ends the first", 1, "/g/a.grf\0a.grf\0"s, "", "/g/a.grf", true},
-      {"failed with a list left", 0, "/g\0a.grf\0b.grf\0\0"s, "", "/g/a.grf|/g/b.grf", false},
-      {"no NUL at all", 1, std::string(65535, 'x'), "", std::string(65535, 'x'), true},
-      {"a name behind 39,999 empty pieces", 1, "/d\0a"s + std::string(39999, '\0') + "z", "",
-       "/d/a|/d/z", true},
-  };
-  for (const auto& c : cases) {
-    Fake(c.Returned, c.Buffer);
-    std::string name = c.Before;
-    EXPECT_EQ(fd.FileOpen(name), c.Result) << c.What;
-    EXPECT_EQ(name, c.After) << c.What;
+  for (const std::string& line : CaseLines("platform/file_open_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 6);
+    ASSERT_EQ(f.size(), 6u) << line;
+    Fake(std::stoi(f[1]), Text(f[2]));
+    std::string name = Text(f[3]);
+    EXPECT_EQ(fd.FileOpen(name), f[5] == "1") << f[0];
+    EXPECT_EQ(name, Text(f[4])) << f[0];
   }
 }
 

@@ -3,8 +3,6 @@
 // a sprite's items, and a reload keeping the item on view.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -29,10 +27,7 @@ int VisibleRows(QTreeWidget* tree) {
 
 TEST(ItemsWindow, ShowsWhatTheFileMakesAndDrivesTheMainWindow) {
   uitest::StartedForm form;
-  const std::string source = std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/ekranoplan.grf";
-  std::ifstream in(source, std::ios::binary);
-  const grfw::Bytes bytes((std::istreambuf_iterator<char>(in)), {});
-  form.Load("ekranoplan.grf", bytes);
+  form.Load("ekranoplan.grf", uitest::DataFile("ekranoplan.grf"));
   form->mnuItems->trigger();
   ASSERT_TRUE(form->ItemsWindow);
   frmItems& items = *form->ItemsWindow;

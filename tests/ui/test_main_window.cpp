@@ -12,6 +12,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "case_file.h"
 #include "frmMain.h"
 #include "listbox.h"
 #include "listview.h"
@@ -91,19 +92,15 @@ class MainWindow : public ::testing::Test {
 }  // namespace
 
 TEST(StartUp, GameFolderPaletteAndRefusal) {
-  const struct {
-    const char* Value;    // HDPath in Wine's registry, if any
-    const char* Palette;  // a palette of its own beside the program, if any
-    const char* Current;  // the current directory after the start, in the prefix; "" the program's
-  } cases[] = {{nullptr, nullptr, ""},
-               {R"("HDPath"="C:\\TTD\\")", nullptr, "drive_c/TTD"},
-               {R"("HDPath"="c:\\ttd\\..\\..\\TTD")", nullptr, "drive_c/TTD"},  // as Wine finds it
-               {R"("HDPath"="C:\\Missing\\")", nullptr, "."},
-               {R"("HDPath"="\\\\server\\share")", nullptr, "."},
-               {R"("HDPath"=dword:00000001)", nullptr, ""},
-               {nullptr, "JASC-PAL\r\n0200\r\n1\r\n", ""}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.Value ? c.Value : "no game") + (c.Palette ? ", own palette" : ""));
+  for (const std::string& line : CaseLines("ui/start_up_cases.txt")) {
+    SCOPED_TRACE(line);
+    const std::vector<std::string> f = Fields(line, 3);
+    ASSERT_EQ(f.size(), 3u) << line;
+    const std::string palette = Unescape(f[1]);
+    const struct {
+      const char *Value, *Palette, *Current;
+    } c = {f[0] == "-" ? nullptr : f[0].c_str(), f[1] == "-" ? nullptr : palette.c_str(),
+           f[2] == "-" ? "" : f[2].c_str()};
     uitest::Fakes fakes;
     const uitest::fs::path wine = fakes.Wine;
     uitest::fs::create_directories(wine / "drive_c" / "TTD");

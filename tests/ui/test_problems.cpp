@@ -2,8 +2,6 @@
 // showing a finding's sprite in the main window, and the list following a reload and a new file.
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include <QLabel>
 #include <QTest>
 #include <QTreeWidget>
@@ -14,18 +12,9 @@
 
 using namespace vossel;
 
-namespace {
-
-grfw::Bytes RealBytes(const std::string& name) {
-  std::ifstream in(std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name, std::ios::binary);
-  return grfw::Bytes((std::istreambuf_iterator<char>(in)), {});
-}
-
-}  // namespace
-
 TEST(ProblemsWindow, ListsFindingsAndFollowsTheFile) {
   uitest::StartedForm form;
-  form.Load("ekranoplan.grf", RealBytes("ekranoplan.grf"));
+  form.Load("ekranoplan.grf", uitest::DataFile("ekranoplan.grf"));
   form->mnuProblems->trigger();
   ASSERT_TRUE(form->ProblemsWindow);
   frmProblems& problems = *form->ProblemsWindow;
@@ -49,7 +38,7 @@ TEST(ProblemsWindow, ListsFindingsAndFollowsTheFile) {
 
   form->mnuReload->trigger();
   EXPECT_EQ(list->topLevelItemCount(), 12);
-  form.Load("ogfx-mars-rv.grf", RealBytes("ogfx-mars-rv.grf"));
+  form.Load("ogfx-mars-rv.grf", uitest::DataFile("ogfx-mars-rv.grf"));
   EXPECT_EQ(list->topLevelItemCount(), 0);
   EXPECT_EQ(problems.lblSummary->text().toStdString(), "No problems found.");
 }

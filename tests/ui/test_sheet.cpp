@@ -3,6 +3,9 @@
 // and a new file refills it.
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <sstream>
+
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
@@ -13,6 +16,7 @@
 #include <QSpinBox>
 #include <QTest>
 
+#include "case_file.h"
 #include "companymaps.h"
 #include "controls.h"
 #include "frmSheet.h"
@@ -26,19 +30,6 @@
 using namespace vossel;
 
 namespace {
-
-// FiveSprites with a recolour map in place of the 1 x 1 sprite.
-grfw::Bytes WithRecolourMap() {
-  std::vector<std::vector<grfw::Run>> rows(31);
-  for (size_t r = 0; r < rows.size(); ++r)
-    rows[r] = {{static_cast<uint8_t>(r), grfw::Bytes(8, static_cast<uint8_t>(0x20 + r))}};
-  grfw::Bytes map(257, 0x33);
-  map[0] = 0;
-  return grfw::File({grfw::PlainSprite(2, 2, {0x40, 0x50, 0xA0, 0xC5}, -2, 1),
-                     grfw::ActionRecord(grfw::Bytes(10, 1)),
-                     grfw::PlainSprite(3, 1, {7, 7, 7}, 0, 0, 2), grfw::ActionRecord(map),
-                     grfw::RunSprite(64, rows, -31, 0)});
-}
 
 frmSheet& OpenSheet(uitest::StartedForm& form) {
   form->mnuSheet->trigger();
@@ -104,52 +95,32 @@ TEST(SpriteSheet, FollowsAndDrivesTheMainWindowAndShowsItsPicturesScaled) {
 
 TEST(SpriteSheet, EveryFilterAndTheGoToBox) {
   uitest::StartedForm form;
-  form.Load("recolour.grf", WithRecolourMap());
+  grfw::Bytes map(257, 0x33);
+  map[0] = 0;
+  form.Load("recolour.grf", uitest::FiveSprites(grfw::ActionRecord(map)));
   frmSheet& sheet = OpenSheet(form);
-  // Kinds: all, pictures, pseudo-sprites; roles: any, action sprites, base, recolour maps, glyphs.
-  const struct {
-    int Kinds, Role, MinWidth, MinHeight;
-    std::vector<int32_t> Shown;
-  } filters[] = {
-      {0, 0, 0, 0, {0, 1, 2, 3, 4}},
-      {1, 0, 0, 0, {0, 2, 4}},
-      {2, 0, 0, 0, {1, 3}},
-      {0, 3, 0, 0, {3}},
-      {0, 1, 0, 0, {2}},  // sprite 1 is an Action 01 of one set of one sprite
-      {0, 2, 0, 0, {0, 4}},
-      {0, 0, 3, 0, {2, 4}},
-      {0, 0, 0, 2, {0, 4}},
-      {1, 0, 3, 2, {4}},
-      {2, 4, 0, 0, {}},
-  };
-  for (const auto& f : filters) {
-    sheet.cboKinds->setCurrentIndex(f.Kinds);
-    sheet.cboRole->setCurrentIndex(f.Role);
-    sheet.spnMinWidth->setValue(f.MinWidth);
-    sheet.spnMinHeight->setValue(f.MinHeight);
-    EXPECT_EQ(sheet.Shown(), f.Shown) << f.Kinds << f.Role << f.MinWidth << f.MinHeight;
-  }
-  // The cells that stay close up: sprite 5 takes the second place.
-  sheet.cboKinds->setCurrentIndex(1);
-  sheet.cboRole->setCurrentIndex(0);
-  sheet.spnMinWidth->setValue(3);
-  sheet.spnMinHeight->setValue(0);
-  EXPECT_EQ(sheet.CellRect(4).topLeft(), SheetCellOrigin(sheet.Layout(), 1));
-
-  // Go To shows the sprite in the main window, filtered out or not, and refuses what is none.
-  const struct {
-    const char* Text;
-    int32_t Value;
-    const char* Status;
-  } goes[] = {{"5", 4, "5 sprites, 2 shown."},
-              {" 2 ", 1, "5 sprites, 2 shown. Sprite 2, on view, is hidden by the filters."},
-              {"6", 1, "There is no sprite 6: give a number from 1 to 5."},
-              {"x", 1, "There is no sprite x: give a number from 1 to 5."}};
-  for (const auto& g : goes) {
-    sheet.txtGoTo->setText(QString::fromLatin1(g.Text));
-    QTest::keyClick(sheet.txtGoTo, Qt::Key_Return);
-    EXPECT_EQ(form->scrSprite->Value(), g.Value) << g.Text;
-    EXPECT_EQ(sheet.lblStatus->text().toStdString(), g.Status);
+  for (const std::string& line : CaseLines("ui/sheet_filter_cases.txt")) {
+    const std::vector<std::string> f = Fields(line, 4);
+    ASSERT_EQ(f.size(), f[0] == "go" ? 4u : 3u) << line;
+    if (f[0] == "filter") {
+      std::istringstream in(f[1] + " " + f[2]);
+      int kinds = 0, role = 0, minWidth = 0, minHeight = 0;
+      in >> kinds >> role >> minWidth >> minHeight;
+      sheet.cboKinds->setCurrentIndex(kinds);
+      sheet.cboRole->setCurrentIndex(role);
+      sheet.spnMinWidth->setValue(minWidth);
+      sheet.spnMinHeight->setValue(minHeight);
+      const std::vector<int32_t> shown{std::istream_iterator<int32_t>(in), {}};
+      EXPECT_EQ(sheet.Shown(), shown) << line;
+    } else {
+      sheet.txtGoTo->setText(QString::fromStdString(f[1]));
+      QTest::keyClick(sheet.txtGoTo, Qt::Key_Return);
+      EXPECT_EQ(form->scrSprite->Value(), std::stoi(f[2])) << line;
+      EXPECT_EQ(sheet.lblStatus->text().toStdString(), f[3]);
+    }
+    if (line == "filter | 1 0 3 0 | 2 4") {  // the cells that stay close up
+      EXPECT_EQ(sheet.CellRect(4).topLeft(), SheetCellOrigin(sheet.Layout(), 1));
+    }
   }
 
   // Without pseudo-sprites every picture is a base sprite.

@@ -3,12 +3,14 @@
 // layer, a missing id, a damaged stream and more sprites than version 1 allows.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 
 #include <QAction>
 #include <QMenu>
 #include <QTest>
 
+#include "case_file.h"
 #include "controls.h"
 #include "frmChunk.h"
 #include "grf2_chunks.h"
@@ -85,41 +87,26 @@ TEST(Version2,
   EXPECT_EQ(widths + form->lvwSprite->Item(1).Texts[4], "009 003 005 000 007 002 00001011");
   EXPECT_EQ(form->Li->List(3), "Sprite 4 refers to id 99, which the file lacks");
 
-  // The sprite shown, then a key with Ctrl (none: 0); the size in the caption, the items, the
-  // magnification, and the picture with its alpha or through the palette. The chosen picture stays
-  // while browsing; sprites without it show their default.
+  // The steps in view_cases.txt: the picture with its alpha or through the palette.
   form->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(form.Form.get()));
-  const struct {
-    int32_t Sprite;
-    int Key;
-    const char *Size, *Items;
-    const Image2* Picture;
-    bool Palette;
-    int32_t Magnification;
-  } steps[] = {
-      {0, 0, "9 x 6", "+-X---|+X", &kNormal32, false, 1},  // over the checkerboard
-      {0, Qt::Key_Plus, "9 x 6", "+-X---|+X", &kNormal32, false, 2},
-      {0, Qt::Key_1, "20 x 12", "X-+---|+X mask", &kIn4Mask, false, 2},
-      {0, Qt::Key_M, "20 x 12", "X-+---|+X mask", &kIn4Mask, true, 2},
-      {2, 0, "5 x 3", "--X---|X-", &kOnly8, true, 2},
-      {4, Qt::Key_Equal, "7 x 7", "-X----|-X", &kIn2, false, 3},
-      {1, 0, "3 x 1", "------|--", nullptr, false, 3},
-      {0, 0, "20 x 12", "X-+---|+X mask", &kIn4Mask, true, 3},
-      {0, Qt::Key_7, "9 x 6", "+-X---|X+", &kNormal8, true, 3},  // 8 bpp, which in 4x lacks
-      {0, Qt::Key_Minus, "9 x 6", "+-X---|X+", &kNormal8, true, 2},
-      {0, Qt::Key_0, "9 x 6", "+-X---|X+", &kNormal8, true, 1},
-  };
-  for (const auto& s : steps) {
-    form->scrSprite->SetValue(s.Sprite);
-    if (s.Key != 0) QTest::keyClick(form.Form.get(), Qt::Key(s.Key), Qt::ControlModifier);
-    SCOPED_TRACE(std::to_string(s.Sprite) + " " + s.Items);
+  const std::map<std::string, const Image2*> pictures = {
+      {"normal32", &kNormal32}, {"in4mask", &kIn4Mask}, {"normal8", &kNormal8},
+      {"only8", &kOnly8},       {"in2", &kIn2},         {"-", nullptr}};
+  for (const std::string& line : CaseLines("ui/view_cases.txt")) {
+    const std::vector<std::string> s = Fields(line, 7);
+    ASSERT_EQ(s.size(), 7u) << line;
+    form->scrSprite->SetValue(std::stoi(s[0]));
+    if (s[1] != "-")
+      QTest::keySequence(form.Form.get(), QKeySequence(QString::fromStdString(s[1])));
+    SCOPED_TRACE(line);
     EXPECT_EQ(Caption(form.Form.get()),
-              "Viewing sprite " + std::to_string(s.Sprite + 1) + " (" + s.Size + ")");
-    EXPECT_EQ(Items(*form), s.Items);
-    EXPECT_EQ(form->Viewing().Magnification, s.Magnification);
-    EXPECT_EQ(form->mnuActualSize->isEnabled(), s.Magnification != 1);
-    EXPECT_TRUE(s.Picture == nullptr || Shows(*form, *s.Picture, s.Palette));
+              "Viewing sprite " + std::to_string(std::stoi(s[0]) + 1) + " (" + s[2] + ")");
+    EXPECT_EQ(Items(*form), s[3]);
+    EXPECT_EQ(form->Viewing().Magnification, std::stoi(s[6]));
+    EXPECT_EQ(form->mnuActualSize->isEnabled(), s[6] != "1");
+    const Image2* picture = pictures.at(s[4]);
+    EXPECT_TRUE(picture == nullptr || Shows(*form, *picture, s[5] == "1"));
   }
   for (int i = 0; i < 10; ++i) QTest::keyClick(form.Form.get(), Qt::Key_Equal, Qt::ControlModifier);
   EXPECT_EQ(form->Viewing().Magnification, 16);

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include <QLabel>
@@ -86,8 +87,6 @@ inline auto OpenDialog(const std::string& folder, int32_t owner) {
                          uint32_t{4}, owner);
 }
 
-using MsgBoxRecorder = Fakes;
-
 // frmMain started from the build's program folder, with the palette beside it, and shown.
 struct StartedForm {
   Fakes Boxes;
@@ -108,15 +107,22 @@ struct StartedForm {
 };
 
 // 0: plain 2 x 2 at -2, 1; 1: an action sprite of 10 bytes; 2: plain 3 x 1, stored size;
-// 3: plain 1 x 1, flags 0x10; 4: run form 64 x 31 at -31, 0.
-inline grfw::Bytes FiveSprites() {
+// 3: `fourth`, by default plain 1 x 1, flags 0x10; 4: run form 64 x 31 at -31, 0.
+inline grfw::Bytes FiveSprites(const grfw::Bytes& fourth = grfw::PlainSprite(1, 1, {9}, 0, 0,
+                                                                             0x10)) {
   std::vector<std::vector<grfw::Run>> rows(31);
   for (size_t r = 0; r < rows.size(); ++r)
     rows[r] = {{static_cast<uint8_t>(r), grfw::Bytes(8, static_cast<uint8_t>(0x20 + r))}};
   return grfw::File({grfw::PlainSprite(2, 2, {0x40, 0x50, 0xA0, 0xC5}, -2, 1),
                      grfw::ActionRecord(grfw::Bytes(10, 1)),
-                     grfw::PlainSprite(3, 1, {7, 7, 7}, 0, 0, 2),
-                     grfw::PlainSprite(1, 1, {9}, 0, 0, 0x10), grfw::RunSprite(64, rows, -31, 0)});
+                     grfw::PlainSprite(3, 1, {7, 7, 7}, 0, 0, 2), fourth,
+                     grfw::RunSprite(64, rows, -31, 0)});
+}
+
+// A real NewGRF kept with the tests.
+inline grfw::Bytes DataFile(const std::string& name) {
+  std::ifstream in(std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name, std::ios::binary);
+  return grfw::Bytes((std::istreambuf_iterator<char>(in)), {});
 }
 
 // The colour that palette index i shows.
