@@ -262,8 +262,7 @@ class frmMain : public QMainWindow {
   void UpdateDetails();
   // Reads what the open file says about itself, once a load.
   void ReadFileOnce();
-  // Starts the search of the installed base sets for company colour maps, for the file being
-  // loaded.
+  // Starts the search of the installed base sets for company colour maps at the first load.
   void StartMapsSearch();
   // After a load: the file's declared palette and its company colour maps, waiting for the
   // search when the file holds none.
@@ -272,7 +271,7 @@ class frmMain : public QMainWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
   PaletteDeclaration Declared;
   // The company colour maps: the file's own, else what the search of the installed base sets
-  // found. The search starts with each load, off the window's thread.
+  // found. The search runs once a window, off its thread; later loads take its result at once.
   FoundMaps Maps;
   QFuture<FoundMaps> mapsSearch_;
   // How the view draws, resolved again when View's choices change. The palette in use is also
