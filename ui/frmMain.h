@@ -287,7 +287,16 @@ class frmMain : public QMainWindow {
   // and going.
   const Look& LookOfView();
   void AttachSheet();
-  void DetachSheet();
+  // The side windows (Sprite Sheet, Items, Problems) hold the file only while on screen: a load
+  // gives it to those shown, and showing one gives it the file it lacks. Each is made by its first
+  // showing and kept; a sprite it picks is shown through the scroll bar.
+  template <class Window>
+  void ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)());
+  template <class Window>
+  bool WantsFile(const std::unique_ptr<Window>& window) const;
+  void AttachSideWindows();
+  void DetachSideWindows();
+  void ShowPicked(int32_t sprite);
   // The Items window's part (frmMain_items.cpp).
   void BuildItemsItem();
   // Puts a window's item into the View menu right after `before` (at the end without it).
@@ -295,12 +304,10 @@ class frmMain : public QMainWindow {
   void mnuItems_Click();
   void ReadItemsOnce();
   void AttachItems();
-  void DetachItems();
   // The Problems window's part (frmMain_problems.cpp).
   void BuildProblemsItem();
   void mnuProblems_Click();
   void AttachProblems();
-  void DetachProblems();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
@@ -314,5 +321,22 @@ class frmMain : public QMainWindow {
   void AddMessage(const std::string& text);
   void AddSpriteRow(SpriteRowTexts row);
 };
+
+template <class Window>
+void frmMain::ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)()) {
+  if (!window) {
+    window = std::make_unique<Window>(this);
+    window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
+  }
+  window->show();
+  window->raise();
+  window->activateWindow();
+  (this->*attach)();
+}
+
+template <class Window>
+bool frmMain::WantsFile(const std::unique_ptr<Window>& window) const {
+  return window && window->isVisible() && !window->Attached() && IsOpen(File);
+}
 
 }  // namespace vossel
