@@ -63,10 +63,6 @@ QJsonObject FindingJson(const Finding& f) {
   return o;
 }
 
-std::string Count(int64_t n, const char* word) {
-  return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
-}
-
 }  // namespace
 
 int CmdCheck(const std::vector<std::string>& args) {
@@ -82,17 +78,7 @@ int CmdCheck(const std::vector<std::string>& args) {
   // The load's own messages are left out: what matters of them comes back as findings, each once.
   GrfFile file;
   FileReading reading;
-  const MessageFn quiet = [](const std::string&) {};
-  const OpenOutcome outcome = LoadGrfFile(path, file, quiet, quiet);
-  if (outcome.End == OpenEnd::ReadFailure) {
-    std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());
-    return kExitFailure;
-  }
-  if (outcome.End == OpenEnd::TooSmall) {
-    FileError(path, outcome.Message);
-    return kExitFailure;
-  }
-  ReadFileActions(file, reading);
+  if (LoadForCli(path, file, &reading, false) != kExitOk) return kExitFailure;
   const GrfItems items = ReadItems(reading);
   std::vector<Finding> findings;
   int64_t counts[3] = {0, 0, 0};
@@ -123,8 +109,9 @@ int CmdCheck(const std::vector<std::string>& args) {
   }
   out += path + ": " +
          (findings.empty() ? std::string("no problems found")
-                           : Count(counts[0], "error") + ", " + Count(counts[1], "warning") + ", " +
-                                 Count(counts[2], "note")) +
+                           : CountText(counts[0], "error", "errors") + ", " +
+                                 CountText(counts[1], "warning", "warnings") + ", " +
+                                 CountText(counts[2], "note", "notes")) +
          "\n";
   std::fwrite(out.data(), 1, out.size(), stdout);
   return FinishOutput() != kExitOk ? kExitFailure : status;

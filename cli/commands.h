@@ -26,7 +26,9 @@ constexpr int kExitUsage = 2;
 // after saying so. A load with problems still gives kExitOk: the command shows what was read and
 // ends with LoadStatus.
 // With `reading`, what the file says about itself is read too, once for the whole command.
-int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading = nullptr);
+// Without `sayProblems` the load's own messages are left out; the failures above are still said.
+int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading = nullptr,
+               bool sayProblems = true);
 // kExitFailure when the load reported a problem, else kExitOk.
 int LoadStatus(const GrfFile& file);
 // A failure about a file on standard error: "vossel-cli: FILE: text".

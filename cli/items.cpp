@@ -222,9 +222,9 @@ int CmdItems(const std::vector<std::string>& args) {
   for (const Item& item : items.Items) {
     const size_t reached = GraphOf(items, item).Sprites.size();
     out += Hex2(item.Feature) + " " + FeatureWord(item.Feature) + " " + std::to_string(item.Id) +
-           " " + NameText(item) + ": " + std::to_string(item.Properties.size()) +
-           (item.Properties.size() == 1 ? " property, " : " properties, ") +
-           std::to_string(reached) + (reached == 1 ? " sprite\n" : " sprites\n");
+           " " + NameText(item) + ": " +
+           CountText(item.Properties.size(), "property", "properties") + ", " +
+           CountText(reached, "sprite", "sprites") + "\n";
   }
   if (items.Items.empty()) out += "No items.\n";
   for (const ItemProblem& p : items.Problems) out += "Problem: " + ItemProblemText(p) + "\n";

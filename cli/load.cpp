@@ -12,9 +12,10 @@ void FileError(const std::string& fileName, const std::string& text) {
   std::fprintf(stderr, "vossel-cli: %s: %s\n", fileName.c_str(), text.c_str());
 }
 
-int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading) {
+int LoadForCli(const std::string& fileName, GrfFile& file, FileReading* reading, bool sayProblems) {
   const MessageFn say = [&fileName](const std::string& text) { FileError(fileName, text); };
-  const OpenOutcome outcome = LoadGrfFile(fileName, file, say, say);
+  const MessageFn loadSays = sayProblems ? say : [](const std::string&) {};
+  const OpenOutcome outcome = LoadGrfFile(fileName, file, loadSays, loadSays);
   if (outcome.End == OpenEnd::ReadFailure) {
     // The read failure's text names the file already.
     std::fprintf(stderr, "vossel-cli: %s\n", outcome.Message.c_str());

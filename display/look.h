@@ -34,7 +34,7 @@ struct FoundMaps {
 // file itself. `Found` false with no problem: the installed base sets are the last place to look.
 FoundMaps NearMaps(const GrfFile& file, const std::string& named);
 // The maps of the first installed base set that holds them. It reads the installed sets, so the
-// window runs it off its thread, once a file.
+// window runs it off its thread, once.
 FoundMaps InstalledMaps();
 // Whether the installed base sets are still to be searched after NearMaps.
 inline bool SearchInstalled(const FoundMaps& near) {

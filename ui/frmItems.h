@@ -31,6 +31,7 @@ class frmItems : public QWidget {
               const Look& look);
   // The file is about to change or close: the window empties.
   void Detach();
+  bool Attached() const { return items_ != nullptr; }
   // The main window's colours may have changed: thumbnails are drawn anew when they did.
   void Follow(const Look& look);
   // Selects an item in the tree and shows it; false when the file has no such item.

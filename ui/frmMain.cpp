@@ -80,9 +80,7 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::EraseStores() {
-  DetachSheet();
-  DetachItems();
-  DetachProblems();
+  DetachSideWindows();
   CloseGrfFile(File);
   Reading = FileReading{};
   ReadingDone = false;
@@ -155,9 +153,7 @@ void frmMain::LoadGRF() {
     MsgBox(read.Message, "Error", MsgBoxIcon::Exclamation);
     return;
   }
-  DetachSheet();  // the file it shows is replaced from here on
-  DetachItems();
-  DetachProblems();
+  DetachSideWindows();  // the file they show is replaced from here on
   setEnabled(false);
   StartMapsSearch();
 
@@ -206,9 +202,7 @@ void frmMain::LoadGRF() {
 
   AddMessage(FileLoadedMessage(FileName));
   Li->SetListIndex(0);
-  AttachSheet();
-  AttachItems();
-  AttachProblems();
+  AttachSideWindows();
   setEnabled(true);
   Loaded();
 }

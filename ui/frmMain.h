@@ -262,8 +262,7 @@ class frmMain : public QMainWindow {
   void UpdateDetails();
   // Reads what the open file says about itself, once a load.
   void ReadFileOnce();
-  // Starts the search of the installed base sets for company colour maps, for the file being
-  // loaded.
+  // Starts the search of the installed base sets for company colour maps at the first load.
   void StartMapsSearch();
   // After a load: the file's declared palette and its company colour maps, waiting for the
   // search when the file holds none.
@@ -272,7 +271,7 @@ class frmMain : public QMainWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
   PaletteDeclaration Declared;
   // The company colour maps: the file's own, else what the search of the installed base sets
-  // found. The search starts with each load, off the window's thread.
+  // found. The search runs once a window, off its thread; later loads take its result at once.
   FoundMaps Maps;
   QFuture<FoundMaps> mapsSearch_;
   // How the view draws, resolved again when View's choices change. The palette in use is also
@@ -288,7 +287,16 @@ class frmMain : public QMainWindow {
   // and going.
   const Look& LookOfView();
   void AttachSheet();
-  void DetachSheet();
+  // The side windows (Sprite Sheet, Items, Problems) hold the file only while on screen: a load
+  // gives it to those shown, and showing one gives it the file it lacks. Each is made by its first
+  // showing and kept; a sprite it picks is shown through the scroll bar.
+  template <class Window>
+  void ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)());
+  template <class Window>
+  bool WantsFile(const std::unique_ptr<Window>& window) const;
+  void AttachSideWindows();
+  void DetachSideWindows();
+  void ShowPicked(int32_t sprite);
   // The Items window's part (frmMain_items.cpp).
   void BuildItemsItem();
   // Puts a window's item into the View menu right after `before` (at the end without it).
@@ -296,12 +304,10 @@ class frmMain : public QMainWindow {
   void mnuItems_Click();
   void ReadItemsOnce();
   void AttachItems();
-  void DetachItems();
   // The Problems window's part (frmMain_problems.cpp).
   void BuildProblemsItem();
   void mnuProblems_Click();
   void AttachProblems();
-  void DetachProblems();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
@@ -315,5 +321,22 @@ class frmMain : public QMainWindow {
   void AddMessage(const std::string& text);
   void AddSpriteRow(SpriteRowTexts row);
 };
+
+template <class Window>
+void frmMain::ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)()) {
+  if (!window) {
+    window = std::make_unique<Window>(this);
+    window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
+  }
+  window->show();
+  window->raise();
+  window->activateWindow();
+  (this->*attach)();
+}
+
+template <class Window>
+bool frmMain::WantsFile(const std::unique_ptr<Window>& window) const {
+  return window && window->isVisible() && !window->Attached() && IsOpen(File);
+}
 
 }  // namespace vossel

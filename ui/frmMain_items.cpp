@@ -4,7 +4,6 @@
 #include <QMenu>
 
 #include "frmMain.h"
-#include "scrollbar.h"
 
 namespace vossel {
 
@@ -34,24 +33,13 @@ void frmMain::ReadItemsOnce() {
 }
 
 void frmMain::AttachItems() {
-  if (!ItemsWindow || !IsOpen(File)) return;
+  if (!WantsFile(ItemsWindow)) return;
   ReadItemsOnce();
   ItemsWindow->Attach(File, Reading, Items, LookOfView());
 }
 
-void frmMain::DetachItems() {
-  if (ItemsWindow) ItemsWindow->Detach();
-}
-
 void frmMain::mnuItems_Click() {
-  if (!ItemsWindow) {
-    ItemsWindow = std::make_unique<frmItems>(this);
-    ItemsWindow->Choose = [this](int32_t sprite) { scrSprite->SetValue(sprite); };
-    AttachItems();
-  }
-  ItemsWindow->show();
-  ItemsWindow->raise();
-  ItemsWindow->activateWindow();
+  ShowSideWindow(ItemsWindow, &frmMain::AttachItems);
 }
 
 FactLines frmMain::DetailsWithItems(int32_t sprite) {

@@ -3,7 +3,6 @@
 #include <QMenu>
 
 #include "frmMain.h"
-#include "scrollbar.h"
 
 namespace vossel {
 
@@ -15,24 +14,13 @@ void frmMain::BuildProblemsItem() {
 }
 
 void frmMain::AttachProblems() {
-  if (!ProblemsWindow || !IsOpen(File)) return;
+  if (!WantsFile(ProblemsWindow)) return;
   ReadItemsOnce();
   ProblemsWindow->Attach(CheckGrf(File, Reading, Items));
 }
 
-void frmMain::DetachProblems() {
-  if (ProblemsWindow) ProblemsWindow->Detach();
-}
-
 void frmMain::mnuProblems_Click() {
-  if (!ProblemsWindow) {
-    ProblemsWindow = std::make_unique<frmProblems>(this);
-    ProblemsWindow->Choose = [this](int32_t sprite) { scrSprite->SetValue(sprite); };
-    AttachProblems();
-  }
-  ProblemsWindow->show();
-  ProblemsWindow->raise();
-  ProblemsWindow->activateWindow();
+  ShowSideWindow(ProblemsWindow, &frmMain::AttachProblems);
 }
 
 }  // namespace vossel

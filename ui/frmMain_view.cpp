@@ -220,7 +220,8 @@ FoundMaps Waited(const QFuture<FoundMaps>& search) {
 }  // namespace
 
 void frmMain::StartMapsSearch() {
-  mapsSearch_ = QtConcurrent::run(InstalledMaps);
+  // The installed base sets do not change with the file: one search serves every load.
+  if (!mapsSearch_.isValid()) mapsSearch_ = QtConcurrent::run(InstalledMaps);
 }
 
 void frmMain::TakeFileColours() {
@@ -228,7 +229,6 @@ void frmMain::TakeFileColours() {
   Declared = DeclaredPaletteOf(Reading);
   Maps = NearMaps(File, std::string());
   if (SearchInstalled(Maps)) Maps = Waited(mapsSearch_);
-  mapsSearch_ = QFuture<FoundMaps>();
   lookStale_ = true;
 }
 

@@ -54,6 +54,7 @@ frmProblems::frmProblems(QWidget* owner) : QWidget(owner, Qt::Window) {
 }
 
 void frmProblems::Attach(const std::vector<Finding>& findings) {
+  attached_ = true;
   tvwProblems->clear();
   int64_t counts[3] = {0, 0, 0};
   QList<QTreeWidgetItem*> rows;
@@ -78,6 +79,7 @@ void frmProblems::Attach(const std::vector<Finding>& findings) {
 }
 
 void frmProblems::Detach() {
+  attached_ = false;
   tvwProblems->clear();
   lblSummary->setText(QStringLiteral("No file."));
 }

@@ -44,6 +44,7 @@ class frmSheet : public QWidget {
   // The file is about to change or close: returns once no picture of it is being decoded, and
   // the sheet is empty.
   void Detach();
+  bool Attached() const { return file_ != nullptr; }
   // The main window shows `sprite` (-1: none) with `look`: the cell is highlighted and kept in
   // sight, and every cell is drawn anew when the look's choices changed.
   void Follow(int32_t sprite, const Look& look);

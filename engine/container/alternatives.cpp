@@ -33,20 +33,6 @@ int32_t V2PixelSize(uint8_t info) {
   return ((info & kV2Rgb) ? 3 : 0) + ((info & kV2Alpha) ? 1 : 0) + ((info & kV2Palette) ? 1 : 0);
 }
 
-std::string AlternativeName(const GrfV2Alternative& a) {
-  if (a.Info == kV2Pseudo) return "data";
-  return std::to_string(AlternativeDepth(a)) + "bpp " + ZoomName(a.Zoom);
-}
-
-std::string AlternativeNames(const GrfV2Index& index, const GrfV2Sprite& s) {
-  std::string names;
-  for (int32_t i = 0; i < s.AlternativeCount; ++i) {
-    if (!names.empty()) names += ", ";
-    names += AlternativeName(index.Alternatives[static_cast<size_t>(s.FirstAlternative + i)]);
-  }
-  return names;
-}
-
 int32_t ChooseAlternative(const GrfV2Index& index, const GrfV2Sprite& s, int32_t zoom,
                           int32_t depth) {
   int32_t best = -1, bestRank = 0;

@@ -16,10 +16,6 @@ bool ParseZoomName(const std::string& name, uint8_t& zoom);
 int32_t AlternativeDepth(const GrfV2Alternative& a);
 // Bytes of one pixel: the present layers R, G, B, A, M.
 int32_t V2PixelSize(uint8_t info);
-// "8bpp normal", "32bpp in4"; "data" for non-image data.
-std::string AlternativeName(const GrfV2Alternative& a);
-// The names of a sprite's alternatives joined by ", "; empty for data.
-std::string AlternativeNames(const GrfV2Index& index, const GrfV2Sprite& s);
 
 // The sprite's alternative with the given zoom (-1: any) and depth (8 or 32; 0: any) that comes
 // first by the default rule: normal zoom, then in2, out2, in4, out4, out8; 32-bit before 8-bit;

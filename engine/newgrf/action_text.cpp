@@ -7,6 +7,7 @@
 
 #include "actions.h"
 #include "grf2.h"
+#include "grffile.h"
 
 namespace vossel {
 namespace {
@@ -15,10 +16,6 @@ std::string Hex(uint32_t v, int digits) {
   char buf[16];
   std::snprintf(buf, sizeof buf, "%0*X", digits, v);
   return buf;
-}
-
-std::string Count(uint64_t n, const char* one, const char* many) {
-  return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
 std::string Quoted(const std::string& text) {
@@ -106,7 +103,7 @@ std::string Ranges(const ActionRecord& a) {
   for (const ActionRange& r : a.Ranges) {
     const std::string span = Span(r.First, r.Count, a.Action == 0x12);
     if (span.empty()) continue;
-    if (++shown > kShown) return text + ", ... (" + Count(a.Ranges.size(), "set", "sets") + ")";
+    if (++shown > kShown) return text + ", ... (" + CountText(a.Ranges.size(), "set", "sets") + ")";
     if (!text.empty()) text += ", ";
     text += span;
     if (a.Action == 0x12) text += " (" + FontName(r.Font) + ")";
@@ -138,18 +135,18 @@ std::string Details(const ActionRecord& a) {
   switch (a.Action) {
     case 0x00:
       feature();
-      if (has(3)) parts.push_back(Count(a.Count, "property", "properties"));
+      if (has(3)) parts.push_back(CountText(a.Count, "property", "properties"));
       if (has(5))
         parts.push_back(a.Number ? (a.Number == 1 ? "ID " : "IDs ") + Span(a.First, a.Number, false)
                                  : "no IDs");
       else if (has(4))
-        parts.push_back(Count(a.Number, "ID", "IDs"));
+        parts.push_back(CountText(a.Number, "ID", "IDs"));
       break;
     case 0x01:
       feature();
       if (a.HasOffset ? has(6) : has(4))
-        parts.push_back(Count(a.Count, "set", "sets") + " of " +
-                        Count(a.Number, "sprite", "sprites"));
+        parts.push_back(CountText(a.Count, "set", "sets") + " of " +
+                        CountText(a.Number, "sprite", "sprites"));
       if (a.HasOffset && has(4)) parts.push_back("from set " + std::to_string(a.First));
       break;
     case 0x02:
@@ -159,26 +156,26 @@ std::string Details(const ActionRecord& a) {
       break;
     case 0x03:
       feature();
-      if (has(3)) parts.push_back(a.Count ? Count(a.Count, "ID", "IDs") : "generic callback");
+      if (has(3)) parts.push_back(a.Count ? CountText(a.Count, "ID", "IDs") : "generic callback");
       if (has(3) && a.Override) parts.push_back("livery override");
-      if (!IsCut(a)) parts.push_back(Count(a.Number, "cargo entry", "cargo entries"));
+      if (!IsCut(a)) parts.push_back(CountText(a.Number, "cargo entry", "cargo entries"));
       break;
     case 0x04:
       feature();
       if (has(3)) parts.push_back("language " + Hex(a.Language, 2));
       if (has(5))
         // A text ID in hex as authors write it; an item's ID in decimal as Action 00 shows it.
-        parts.push_back(Count(a.Count, "text", "texts") + " from ID " +
+        parts.push_back(CountText(a.Count, "text", "texts") + " from ID " +
                         (a.WideId ? Hex(a.First, 4) : std::to_string(a.First)));
       if (has(6)) parts.push_back(Quoted(a.Text));
       break;
     case 0x05:
       if (has(2)) parts.push_back(BaseGraphicsName(a.Type));
-      if (has(3)) parts.push_back(Count(a.Count, "sprite", "sprites"));
+      if (has(3)) parts.push_back(CountText(a.Count, "sprite", "sprites"));
       if (has(4) && a.HasOffset) parts.back() += " from offset " + std::to_string(a.First);
       break;
     case 0x06:
-      parts.push_back(Count(a.Count, "change", "changes") + " to the next sprite");
+      parts.push_back(CountText(a.Count, "change", "changes") + " to the next sprite");
       break;
     case 0x07:
     case 0x09:
@@ -186,7 +183,7 @@ std::string Details(const ActionRecord& a) {
       if (has(4)) parts.push_back("condition " + Hex(a.Type, 2));
       if (has(5)) parts.push_back("value " + Hex(a.Value, 2 * std::min<int>(a.Size, 4)));
       if (has(6))
-        parts.push_back(a.Count ? "skips " + Count(a.Count, "sprite", "sprites")
+        parts.push_back(a.Count ? "skips " + CountText(a.Count, "sprite", "sprites")
                                 : "skips the rest of the file");
       break;
     case 0x08:
@@ -198,7 +195,7 @@ std::string Details(const ActionRecord& a) {
       // The bytes as stored are placeholders then: the game's own values replace them.
       if (a.ChangedAtLoad) {
         parts.push_back("replaces base sprites set when the game loads the file (" +
-                        Count(a.Ranges.size(), "set", "sets") + ")");
+                        CountText(a.Ranges.size(), "set", "sets") + ")");
         break;
       }
       parts.push_back(a.Number == 0   ? "replaces no base sprites"
@@ -224,7 +221,7 @@ std::string Details(const ActionRecord& a) {
     case 0x0E: {
       std::string ids;
       for (const GrfId& id : a.Grfs) ids += (ids.empty() ? ": " : ", ") + GrfIdText(id.Bytes);
-      if (has(2)) parts.push_back("deactivates " + Count(a.Count, "GRF", "GRFs") + ids);
+      if (has(2)) parts.push_back("deactivates " + CountText(a.Count, "GRF", "GRFs") + ids);
       break;
     }
     case 0x0F:
@@ -236,10 +233,10 @@ std::string Details(const ActionRecord& a) {
       if (!a.Text.empty()) parts.push_back(Quoted(a.Text));
       break;
     case 0x11:
-      if (has(2)) parts.push_back(Count(a.Count, "sound", "sounds"));
+      if (has(2)) parts.push_back(CountText(a.Count, "sound", "sounds"));
       break;
     case 0x12:
-      if (has(2)) parts.push_back(Count(a.Number, "glyph", "glyphs"));
+      if (has(2)) parts.push_back(CountText(a.Number, "glyph", "glyphs"));
       if (a.Number) parts.back() += ": " + Ranges(a);
       break;
     case 0x13:
@@ -247,7 +244,7 @@ std::string Details(const ActionRecord& a) {
       break;
     case 0x14: {
       const std::string info = InfoText(a.Info);
-      parts.push_back(info.empty() ? Count(a.Count, "chunk", "chunks") : info);
+      parts.push_back(info.empty() ? CountText(a.Count, "chunk", "chunks") : info);
       break;
     }
     default:
@@ -284,6 +281,10 @@ const ActionRecord* ActionOf(const SpriteRole& role, const std::vector<ActionRec
 }
 
 }  // namespace
+
+std::string CountText(uint64_t n, const char* one, const char* many) {
+  return std::to_string(n) + " " + (n == 1 ? one : many);
+}
 
 std::string ActionName(uint8_t action) {
   static const char* const kNames[] = {"Properties",
@@ -473,8 +474,8 @@ std::string NfoSpriteLine(int32_t number, const std::vector<NfoAlternative>& alt
   for (size_t i = 0; i < alternatives.size(); ++i) {
     const NfoAlternative& a = alternatives[i];
     text += i ? "; " : " ";
-    text += a.IsData ? "data " + Count(static_cast<uint64_t>(a.DataSize), "byte", "bytes")
-                     : std::to_string(a.Depth) + "bpp " + ZoomName(a.Zoom) + " " +
+    text += a.IsData ? "data " + CountText(static_cast<uint64_t>(a.DataSize), "byte", "bytes")
+                     : AlternativeText({.Zoom = a.Zoom, .Depth = a.Depth}) + " " +
                            std::to_string(a.Width) + "x" + std::to_string(a.Height) + " at " +
                            std::to_string(a.X) + "," + std::to_string(a.Y);
     if (!a.File.empty()) text += " " + a.File;

@@ -190,6 +190,8 @@ std::string RoleText(const SpriteRole& role, const std::vector<ActionRecord>& ac
 std::string DecodeGrfText(const uint8_t* text, size_t size);
 // "4E4D4C00 (NML\00)": hex in file order, and the text when the first three bytes are printable.
 std::string GrfIdText(const uint8_t id[4]);
+// "1 sprite", "3 sprites": a count and the word in the number it takes.
+std::string CountText(uint64_t n, const char* one, const char* many);
 // A value in upper-case hex of at least `digits` digits: "0F", "D000".
 std::string HexDigits(uint32_t v, int digits);
 // "DOS", "Windows", "either"; "'X'" for others.

@@ -11,10 +11,6 @@ std::string N(int64_t v) {
   return std::to_string(v);
 }
 
-std::string Plural(int64_t n, const char* one, const char* many) {
-  return N(n) + " " + (n == 1 ? one : many);
-}
-
 std::string ActionWord(uint8_t action) {
   return "Action " + HexDigits(action, 2);
 }
@@ -92,12 +88,12 @@ std::string FindingText(const Finding& f) {
   const int64_t a = f.Values[0], b = f.Values[1], c = f.Values[2];
   switch (f.Code) {
     case CheckCode::CutPseudo:
-      return ActionWord(f.Action) + " is cut short: " + Plural(a, "byte", "bytes") + " of " + N(b) +
-             " needed";
+      return ActionWord(f.Action) + " is cut short: " + CountText(a, "byte", "bytes") + " of " +
+             N(b) + " needed";
     case CheckCode::SpriteCountDiffers:
       return "the sprite count says " + N(a) + " sprites follow, the file has " + N(b);
     case CheckCode::BlockShort:
-      return ActionWord(f.Action) + " claims " + Plural(a, "sprite", "sprites") +
+      return ActionWord(f.Action) + " claims " + CountText(a, "sprite", "sprites") +
              ", the file gives " + N(b);
     case CheckCode::PictureForRecolour:
       return "a picture where " + ActionWord(f.Action) + " needs a recolour map";
@@ -112,7 +108,7 @@ std::string FindingText(const Finding& f) {
     case CheckCode::FileCut:
       return "the file is cut short: it ends at byte " + N(a) +
              (b < 0 ? std::string(", and the sprites after it are lost")
-                    : ", and " + Plural(b, "sprite is", "sprites are") + " lost");
+                    : ", and " + CountText(b, "sprite is", "sprites are") + " lost");
     case CheckCode::UnknownProperty:
       return "property " + HexDigits(static_cast<uint32_t>(a), 2) + " of " +
              FeatureWord(f.Feature) + " has no known size; the rest of the Action 00 is not read";

@@ -36,10 +36,6 @@ std::string SpriteShape(const SpriteFacts& f, const std::vector<AlternativeInfo>
   return SizeText(f) + " at " + OffsetText(f) + " (" + AlternativesText(alternatives) + ")";
 }
 
-std::string Plural(size_t n, const char* word) {
-  return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
-}
-
 }  // namespace
 
 const char* SpriteChangeKey(SpriteChange change) {
@@ -93,7 +89,8 @@ std::string ComparisonSummary(const GrfComparison& c) {
     if (i == 0 || c.Items[i].Feature != c.Items[i - 1].Feature ||
         c.Items[i].Id != c.Items[i - 1].Id)
       ++items;
-  out += Plural(sprites, "sprite") + " and " + Plural(items, "item") + " differ";
+  out += CountText(sprites, "sprite", "sprites") + " and " + CountText(items, "item", "items") +
+         " differ";
   return out;
 }
 
@@ -118,7 +115,7 @@ std::string SpriteChangeText(const SpriteDifference& d) {
       return "offsets " + OffsetText(d.Old) + " -> " + OffsetText(d.New) + alt;
     case SpriteChange::Pixels:
       if (!d.Pixels.Counted) return "pixels differ" + alt;
-      return Plural(static_cast<size_t>(d.Pixels.Count), "pixel") + " differ in " +
+      return CountText(static_cast<uint64_t>(d.Pixels.Count), "pixel", "pixels") + " differ in " +
              std::to_string(d.Pixels.Right - d.Pixels.Left) + "x" +
              std::to_string(d.Pixels.Bottom - d.Pixels.Top) + " at " +
              std::to_string(d.Pixels.Left) + "," + std::to_string(d.Pixels.Top) + alt;

@@ -473,8 +473,8 @@ std::string GroupText(const SpriteGroup& g) {
       const char* form = g.Form == LayoutForm::Basic      ? "basic"
                          : g.Form == LayoutForm::Extended ? "extended"
                                                           : "advanced";
-      out = id + ": sprite layout (" + form + "), " + std::to_string(g.Sprites.size()) +
-            (g.Sprites.size() == 1 ? " sprite" : " sprites") + " above the ground";
+      out = id + ": sprite layout (" + form + "), " +
+            CountText(g.Sprites.size(), "sprite", "sprites") + " above the ground";
       break;
     }
     case GroupKind::Production: {
