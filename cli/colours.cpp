@@ -43,7 +43,7 @@ std::string PaletteWord(const std::string& value) {
 }  // namespace
 
 int ChooseLook(const GrfFile& file, const FileReading& reading,
-               const std::map<std::string, std::string>& values, bool load, Look& look,
+               const std::map<std::string, std::string>& values, Look& look,
                const AlternativeWish* wish) {
   LookChoices choices;
   if (const auto named = values.find("palette"); named != values.end()) {
@@ -71,7 +71,7 @@ int ChooseLook(const GrfFile& file, const FileReading& reading,
     choices.Depth = wish->Depth;
   }
   look = ResolveLook(choices, FirstPalette::Declared, file, DeclaredPaletteOf(reading), maps);
-  if (load && !look.PaletteRead) {
+  if (!look.PaletteRead) {
     FileError(look.PaletteFile, kMsgBadPalette);
     return kExitFailure;
   }

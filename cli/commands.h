@@ -49,11 +49,11 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
 
 // The look of a command's pictures, for a loaded file: --palette (windows, dos, declared or a
 // palette file; declared by default), --company and --base-set from `values`, and the wish's zoom
-// level and depth. A palette that cannot be read is an error only when `load`. kExitOk, or the
-// status after saying why not.
+// level and depth. A palette that cannot be read is an error. kExitOk, or the status after saying
+// why not.
 struct AlternativeWish;
 int ChooseLook(const GrfFile& file, const FileReading& reading,
-               const std::map<std::string, std::string>& values, bool load, Look& look,
+               const std::map<std::string, std::string>& values, Look& look,
                const AlternativeWish* wish = nullptr);
 
 // Usage of a command that takes FILE alone, and --json where `json` is given; false after saying

@@ -350,8 +350,7 @@ int CmdExport(const std::vector<std::string>& args) {
       values[option->names().front().toStdString()] =
           parser.value(*option).toLocal8Bit().toStdString();
   Look look;
-  if (const int status = ChooseLook(file, reading, values, true, look); status != kExitOk)
-    return status;
+  if (const int status = ChooseLook(file, reading, values, look); status != kExitOk) return status;
   ExportTally tally;
   std::string listing;
   const std::string listingName =

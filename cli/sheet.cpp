@@ -264,8 +264,7 @@ int CmdSheet(const std::vector<std::string>& args) {
   }
 
   Look look;
-  if (const int status = ChooseLook(file, reading, parsed.Values, true, look, &wish);
-      status != kExitOk)
+  if (const int status = ChooseLook(file, reading, parsed.Values, look, &wish); status != kExitOk)
     return status;
   const std::vector<SheetEntry> entries = SheetEntries(file, reading, wish.Zoom, wish.Depth);
   SheetRun run;

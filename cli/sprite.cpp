@@ -193,8 +193,7 @@ int CmdSprite(const std::vector<std::string>& args) {
   if (!PickAlternative(file, index, wish, alternative)) return kExitFailure;
   // The palette is read whatever is asked, so that a wrong one is told at once.
   Look look;
-  if (const int status = ChooseLook(file, reading, parsed.Values, true, look, &wish);
-      status != kExitOk)
+  if (const int status = ChooseLook(file, reading, parsed.Values, look, &wish); status != kExitOk)
     return status;
   return ShowSprite(file, args[0], index, alternative, wantPng ? &png->second : nullptr,
                     parsed.Values.count("force") > 0, telling, reading, look);
