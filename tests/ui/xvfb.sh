@@ -1,9 +1,8 @@
 # Sourced by the smoke tests: a virtual X display of their own, and waiting for conditions.
 #
-# The display is started with -displayfd, so that the server itself takes the first free display
-# number and says which once it accepts connections. Several tests (and other builds on the same
-# machine) start displays at the same moment, and xvfb-run -a can then hand the program a number
-# whose server it cannot connect to.
+# Each display takes a number of its own, drawn at random from a wide range, rather than the
+# first free one: tests and other builds on the same machine start and end displays at the same
+# moment, and a server ending on a low number removes the socket of the next one to take it.
 #
 # Every wait polls for what the test needs and gives up only after SMOKE_SECONDS (60 by default),
 # far beyond what a loaded machine takes, instead of sleeping a fixed time.
@@ -19,40 +18,35 @@ wait_until() {
   done
 }
 
-# Starts Xvfb, waits until a client can connect to it and exports DISPLAY; stop_xvfb ends it.
-# A server starting for the same number at the same moment can take the socket of one that has
-# already said it is ready (one such failure in 120 loaded runs): a display no client reaches
-# within 10 seconds is given up for a new one.
+# Starts Xvfb on a free number, waits until a client reaches it and exports DISPLAY; stop_xvfb
+# ends it. A number another server holds makes ours end at once, and a display no client reaches
+# within 10 seconds is given up: both are tried again on another number.
 start_xvfb() {
   command -v Xvfb >/dev/null || { echo "Xvfb is not installed: skipped"; exit 77; }
   _deadline=$(($(date +%s) + SMOKE_SECONDS))
-  while :; do
-    : >"$smoke_dir/display"
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$smoke_dir/display" \
-      2>>"$smoke_dir/xvfb.log" &
+  while [ "$(date +%s)" -lt "$_deadline" ]; do
+    _number=$(($(od -An -N2 -tu2 /dev/urandom) % 30000 + 1000))
+    [ -e "/tmp/.X$_number-lock" ] && continue
+    Xvfb ":$_number" -screen 0 1280x1024x24 -nolisten tcp 2>>"$smoke_dir/xvfb.log" &
     xvfb_pid=$!
-    until grep -q '^[0-9][0-9]*$' "$smoke_dir/display"; do
-      if ! kill -0 "$xvfb_pid" 2>/dev/null || [ "$(date +%s)" -ge "$_deadline" ]; then
-        echo "the virtual display did not start:"
-        cat "$smoke_dir/xvfb.log"
-        exit 1
-      fi
-      sleep 0.2
-    done
-    DISPLAY=:$(head -n 1 "$smoke_dir/display")
+    DISPLAY=:$_number
     export DISPLAY
     unset XAUTHORITY
     _reached=$(($(date +%s) + 10))
-    until xwininfo -root >/dev/null 2>&1; do
-      [ "$(date +%s)" -lt "$_reached" ] && sleep 0.2 && continue
-      echo "display $DISPLAY cannot be reached; starting another" >&2
-      stop_xvfb
-      [ "$(date +%s)" -lt "$_deadline" ] && continue 2
-      echo "no virtual display could be reached"
-      exit 1
+    # Reached, and by our own server: one holding the number already would answer too.
+    until xwininfo -root >/dev/null 2>&1 && kill -0 "$xvfb_pid" 2>/dev/null; do
+      kill -0 "$xvfb_pid" 2>/dev/null && [ "$(date +%s)" -lt "$_reached" ] || break
+      sleep 0.2
     done
-    return 0
+    if kill -0 "$xvfb_pid" 2>/dev/null && xwininfo -root >/dev/null 2>&1; then
+      return 0
+    fi
+    echo "display $DISPLAY cannot be had; trying another" >&2
+    stop_xvfb
   done
+  echo "no virtual display could be started:"
+  cat "$smoke_dir/xvfb.log"
+  exit 1
 }
 
 stop_xvfb() {
