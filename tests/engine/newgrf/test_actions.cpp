@@ -75,14 +75,7 @@ void ExpectNfoRoundTrip(const std::vector<SpriteInput>& inputs) {
 }  // namespace
 
 TEST(Actions, CaseFilesGiveEachSpriteItsText) {
-  std::vector<std::vector<std::string>> lines;
-  for (const std::string& line : CaseLines("engine/newgrf/action_cases.txt")) {
-    if (line.rfind("==", 0) == 0)
-      lines.push_back({line});
-    else
-      lines.back().push_back(line);
-  }
-  for (const auto& file : lines) {
+  for (const auto& file : CaseBlocks("engine/newgrf/action_cases.txt")) {
     SCOPED_TRACE(file[0]);
     Sprites s;
     std::vector<std::string> want;

@@ -63,14 +63,7 @@ Bytes Version1(const Parts& p) {
 }
 
 grfw::Image2 Image(uint16_t w, uint16_t h, const Bytes& pixels, int16_t x = 0, int16_t y = 0) {
-  grfw::Image2 im;
-  im.info = 4;
-  im.width = w;
-  im.height = h;
-  im.x = x;
-  im.y = y;
-  im.pixels = pixels;
-  return im;
+  return {4, 0, w, h, x, y, pixels};
 }
 
 Bytes Version2(const Parts& p) {
