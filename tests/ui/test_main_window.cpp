@@ -1,5 +1,5 @@
 // frmMain driven as a person drives it: start-up, Open through the menu, loads that end early,
-// browsing and sorting, New and Quit; a real file's picture against the CLI's.
+// browsing and sorting, New and Quit, the demo file.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -17,7 +17,6 @@
 #include "listbox.h"
 #include "listview.h"
 #include "picturebox.h"
-#include "run_cli.h"
 #include "scrollbar.h"
 #include "text.h"
 #include "ui_support.h"
@@ -331,27 +330,11 @@ TEST_F(MainWindow, NewAndQuit) {
   EXPECT_TRUE(fakes.Boxes.empty());
 }
 
-TEST_F(MainWindow, TheDemoFileAndARealFileLookAsTheCliDrawsThem) {
-  // The demo file beside the program opens from the start folder: a colour card of the palette.
+TEST_F(MainWindow, TheDemoFileOpensFromTheStartFolder) {
+  // The demo file beside the program: a colour card of the palette. (Real files against the CLI's
+  // pictures are in test_colours.cpp.)
   fakes.Next = "vossel-demo.grf";
   form.mnuOpen_Click();
   ASSERT_EQ(form.lvwSprite->ItemCount(), 4);
   EXPECT_EQ(Pixel(0, 5 * 8 + 3, 3 * 8 + 3), Colour(53));
-  // A sprite of openttd.grf in the window, pixel for pixel the PNG of vossel-cli.
-  fakes.Next = std::string(VOSSEL_BASESET_DIR) + "/openttd.grf";
-  if (!uitest::fs::exists(fakes.Next)) GTEST_SKIP() << fakes.Next << " is not installed";
-  form.mnuOpen_Click();
-  const int n = 760;  // run form, 32 x 24
-  form.scrSprite->SetValue(n - 1);
-  const std::string png = grfw::WriteTemp("real.png", {});
-  ASSERT_EQ(RunCli({"sprite", fakes.Next, std::to_string(n), "--png", png, "--force", "--palette",
-                    "windows"})
-                .Status,
-            0);
-  const QImage image(QString::fromStdString(png));
-  const SpriteRecord& r = uitest::StoreOf(form.File).SpriteTable[n - 1];
-  ASSERT_EQ(image.size(), QSize(r.Width, r.Height));
-  for (int y = 0; y < r.Height; ++y)
-    for (int x = 0; x < r.Width; ++x)
-      ASSERT_EQ(Pixel(n - 1, x, y), image.pixel(x, y)) << x << "," << y;
 }
