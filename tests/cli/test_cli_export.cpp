@@ -147,8 +147,9 @@ TEST(CliExport, RealFileReadsBackAsTheStoreThroughThePalette) {
   fs::remove_all(dir);
 }
 
-// Every alternative of a version-2 sprite in its own file, the mask beside RGB left out; and
-// sprite --png with the options that choose each one writes the same picture.
+// Every alternative of a version-2 sprite in its own file, and sprite --png with the options that
+// choose each one writes the same picture. (Their pixels against the writer's are in the encoder
+// listing's test.)
 TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
   const grfw::Image2 eight{0x04, 0, 3, 2, -1, 2, {1, 2, 3, 4, 5, 6}};
   const grfw::Image2 rgba{0x03, 0, 1, 1, 0, -3, {10, 20, 30, 40}};
@@ -159,12 +160,6 @@ TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
   const std::string grf = grfw::WriteTemp("v2-export.grf", file);
   const fs::path dir = grfw::FreshFolder("export-v2");
   EXPECT_EQ(RunCli({"export", grf, dir.string()}).Status, 0);
-  ExpectPicture(dir / "0001.png", 3, 2, -1, 2,
-                [&](int x, int y) { return Colour(eight.pixels[size_t(y * 3 + x)]); });
-  ExpectPicture(dir / "0001-32bpp-normal.png", 1, 1, 0, -3,
-                [](int, int) { return qRgba(10, 20, 30, 40); });
-  ExpectPicture(dir / "0001-32bpp-in4.png", 1, 1, 4, 5, [](int, int) { return qRgb(1, 2, 3); });
-  EXPECT_EQ(ListedBytes(dir, 1), Bytes({9, 8}));
   const std::pair<const char*, std::vector<std::string>> chosen[] = {
       {"0001.png", {"--depth", "8"}},
       {"0001-32bpp-normal.png", {}},

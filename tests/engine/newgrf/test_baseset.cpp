@@ -97,19 +97,6 @@ TEST(Descriptor, FoundBesideTheFileAndAmongInstalledSets) {
   EXPECT_EQ(sets[2].BasePath, (dir / "sub" / "two.grf").string());
 }
 
-TEST(Descriptor, RealOpenGfx) {
-  if (!std::filesystem::exists(kOpenGfx + "/opengfx.obg")) GTEST_SKIP() << "OpenGFX not installed";
-  const auto base = FindDescriptorFor(kOpenGfx + "/ogfx1_base.grf");
-  ASSERT_TRUE(base);
-  EXPECT_EQ(base->Descriptor.Name, "OpenGFX");
-  EXPECT_EQ(base->Descriptor.Base, "ogfx1_base.grf");
-  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, base)), "DOS (declared by opengfx.obg)");
-  const auto toyland = FindDescriptorFor(kOpenGfx + "/ogfxt_toyland.grf");
-  ASSERT_TRUE(toyland);
-  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, toyland)),
-            "DOS toyland (declared by opengfx.obg)");
-}
-
 TEST(CompanyMaps, Names) {
   for (int i = 0; i < kCompanyColourCount; ++i) {
     CompanyColour c{};
