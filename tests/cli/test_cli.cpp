@@ -233,8 +233,7 @@ TEST(CliRoughEdges, ADashIsStandardOutput) {
   ASSERT_EQ(RunCli({"sprite", grf, "2", "--png", file}).Status, 0);
   const CliRun run = RunCli({"sprite", grf, "2", "--png", "-"});
   EXPECT_EQ(run.Status, 0) << run.Err;
-  std::stringstream written;
-  written << std::ifstream(file, std::ios::binary).rdbuf();
-  EXPECT_EQ(run.Out, written.str());
+  const Bytes written = grfw::ReadFile(file);
+  EXPECT_EQ(run.Out, std::string(written.begin(), written.end()));
   EXPECT_EQ(RunCli({"sprite", grf, "2", "--png", "-", "--json"}).Status, 2);
 }

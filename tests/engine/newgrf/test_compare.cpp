@@ -215,12 +215,3 @@ TEST(Compare, ChangedPixelsAreCountedAndBoxed) {
     EXPECT_EQ(SpriteChangeText(quick.Sprites[0]), "pixels differ (8bpp normal)");
   }
 }
-
-TEST(Compare, RealFileAgainstItself) {
-  for (const char* name : {"ekranoplan.grf", "ogfx-mars-houses.grf"}) {
-    const auto a = OpenGrf(NewGrfPath(name)), b = OpenGrf(NewGrfPath(name));
-    CompareOptions options;
-    options.CountPixels = true;
-    EXPECT_TRUE(IsEqual(CompareFiles(a->File, a->Reading, b->File, b->Reading, options))) << name;
-  }
-}
