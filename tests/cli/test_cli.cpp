@@ -116,6 +116,7 @@ TEST(Cli, Transcript) {
       {"diff-b.grf", Small(7, -2)},
       {"diff-c.grf", Small(7, 0)},
       {"range.grf", Range()},
+      {"one.grf", grfw::V2File({grfw::V2Data(0xFF, {0x0C, 0x78})}, {})},
       {"many.grf", grfw::FileOf(std::vector<Bytes>(200, grfw::PlainSprite(1, 1, {9})))}};
   for (const auto& [name, bytes] : files) grfw::WriteTemp(name, bytes);
   std::string text;
