@@ -8,9 +8,7 @@
 
 #include <QApplication>
 #include <QHeaderView>
-#include <QLabel>
 #include <QTest>
-#include <QTimer>
 
 #include "case_file.h"
 #include "frmMain.h"

@@ -2,7 +2,6 @@
 // gives none; real files that give no error; a cut file said once.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <memory>
 
