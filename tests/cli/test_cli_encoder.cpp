@@ -288,7 +288,7 @@ TEST(CliEncoderListing, Version1FileRebuildsSpriteForSprite) {
 }
 
 // Every kind of alternative: 8-bit and 32-bit, with alpha and with a mask, in tile form, at other
-// zoom levels; and non-image data.
+// zoom levels; and non-image data. Each alternative has its own file, which sprite --png gives too.
 TEST(CliEncoderListing, Version2FileRebuildsWithEveryAlternative) {
   const grfw::Image2 eight = grfw::RandomImage(0x04, 0, 7, 5, -3, 2, 1);
   const grfw::Image2 rgba = grfw::RandomImage(0x03, 0, 6, 4, -1, -9, 2);
@@ -310,6 +310,21 @@ TEST(CliEncoderListing, Version2FileRebuildsWithEveryAlternative) {
                  Wanted{false, {}, {WantedV2(tiled), WantedV2(tiledRgb)}},
                  PseudoSprite(Bytes(sound.begin() + 1, sound.end()))});
   ExpectRebuilt(root, "encoder-v2", WantedByEngine(grf));
+  // sprite --png with the options that choose each alternative writes the same picture.
+  const std::pair<const char*, std::vector<std::string>> chosen[] = {
+      {"0003.png", {"--depth", "8"}},
+      {"0003-32bpp-normal.png", {}},
+      {"0003-32bpp-in4.png", {"--zoom", "in4"}}};
+  for (const auto& [name, options] : chosen) {
+    const std::string png = root + "/sprite.png";
+    std::vector<std::string> args = {"sprite", grf, "3", "--png", png, "--force"};
+    args.insert(args.end(), options.begin(), options.end());
+    ASSERT_EQ(RunCli(args).Status, 0) << name;
+    EXPECT_EQ(QImage(QString::fromStdString(png)).convertToFormat(QImage::Format_ARGB32),
+              QImage(QString::fromStdString(root + "/sprites/" + name))
+                  .convertToFormat(QImage::Format_ARGB32))
+        << name;
+  }
   fs::remove_all(root);
 }
 

@@ -147,35 +147,6 @@ TEST(CliExport, RealFileReadsBackAsTheStoreThroughThePalette) {
   fs::remove_all(dir);
 }
 
-// Every alternative of a version-2 sprite in its own file, and sprite --png with the options that
-// choose each one writes the same picture. (Their pixels against the writer's are in the encoder
-// listing's test.)
-TEST(CliExport, EveryAlternativeOfAVersion2SpriteItsOwnFile) {
-  const grfw::Image2 eight{0x04, 0, 3, 2, -1, 2, {1, 2, 3, 4, 5, 6}};
-  const grfw::Image2 rgba{0x03, 0, 1, 1, 0, -3, {10, 20, 30, 40}};
-  const grfw::Image2 masked{0x05, 1, 1, 1, 4, 5, {1, 2, 3, 9}};
-  const Bytes file =
-      grfw::V2File({grfw::V2Ref(1), grfw::V2Data(0xFF, {9, 8})},
-                   {grfw::V2Sprite(1, eight), grfw::V2Sprite(1, rgba), grfw::V2Sprite(1, masked)});
-  const std::string grf = grfw::WriteTemp("v2-export.grf", file);
-  const fs::path dir = grfw::FreshFolder("export-v2");
-  EXPECT_EQ(RunCli({"export", grf, dir.string()}).Status, 0);
-  const std::pair<const char*, std::vector<std::string>> chosen[] = {
-      {"0001.png", {"--depth", "8"}},
-      {"0001-32bpp-normal.png", {}},
-      {"0001-32bpp-in4.png", {"--zoom", "in4"}}};
-  for (const auto& [name, options] : chosen) {
-    const std::string png = (dir / "sprite.png").string();
-    std::vector<std::string> args = {"sprite", grf, "1", "--png", png, "--force"};
-    args.insert(args.end(), options.begin(), options.end());
-    ASSERT_EQ(RunCli(args).Status, 0) << name;
-    EXPECT_EQ(QImage(QString::fromStdString(png)).convertToFormat(QImage::Format_ARGB32),
-              QImage(QString::fromStdString((dir / name).string()))
-                  .convertToFormat(QImage::Format_ARGB32))
-        << name;
-  }
-}
-
 // A full disk (a small tmpfs, in a mount namespace of this test's own where the system allows
 // one) and a write past the file size limit: the export stops, says why and removes what it began.
 TEST(CliExport, AFailedWriteStopsWithTheReasonAndRemovesWhatWasBegun) {
