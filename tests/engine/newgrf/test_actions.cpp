@@ -1,5 +1,6 @@
-// Pseudo-sprites: the texts of files made sprite by sprite in action_cases.txt, what the real files
-// say about themselves, and the NFO listing read back into the bytes it lists.
+// Pseudo-sprites: the texts of files made sprite by sprite in action_cases.txt, the roles of the
+// real files' sprites, and the NFO listing read back into the bytes it lists. (What a file says of
+// itself is in the CLI's transcript.)
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -96,19 +97,6 @@ TEST(Actions, CaseFilesGiveEachSpriteItsText) {
       EXPECT_EQ(RoleText(g.Sprites[i], g.Actions), want[i]) << "sprite " << i;
     ExpectNfoRoundTrip(s.Inputs);
   }
-}
-
-TEST(Actions, IdentityOfTheCaseFile) {
-  const std::string grf = "My set", about = "About";
-  Bytes a8 = {0x08, 0x08, 'N', 'M', 'L', 0};
-  a8.insert(a8.end(), grf.begin(), grf.end() + 1);
-  a8.insert(a8.end(), about.begin(), about.end() + 1);
-  const GrfActions g = ReadActions({{SpriteKind::Pseudo, a8.data(), a8.size()}});
-  EXPECT_TRUE(g.Identity.HasAction8);
-  EXPECT_EQ(GrfIdText(g.Identity.Grf.Bytes), "4E4D4C00 (NML\\00)");
-  EXPECT_EQ(g.Identity.Name + "|" + g.Identity.Description, "My set|About");
-  EXPECT_FALSE(g.Identity.HasInfo);
-  EXPECT_FALSE(ReadActions({}).Identity.HasAction8);
 }
 
 TEST(Actions, Texts) {
