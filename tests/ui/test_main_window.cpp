@@ -93,32 +93,29 @@ TEST(StartUp, GameFolderPaletteAndRefusal) {
     SCOPED_TRACE(line);
     const std::vector<std::string> f = Fields(line, 3);
     ASSERT_EQ(f.size(), 3u) << line;
-    const std::string palette = Unescape(f[1]);
-    const struct {
-      const char *Value, *Palette, *Current;
-    } c = {f[0] == "-" ? nullptr : f[0].c_str(), f[1] == "-" ? nullptr : palette.c_str(),
-           f[2] == "-" ? "" : f[2].c_str()};
+    const bool value = f[0] != "-", palette = f[1] != "-";
+    const std::string current = f[2] == "-" ? "" : f[2];
     uitest::Fakes fakes;
     const uitest::fs::path wine = fakes.Wine;
     uitest::fs::create_directories(wine / "drive_c" / "TTD");
     uitest::fs::create_directories(wine / "dosdevices");
     uitest::fs::create_directory_symlink("../drive_c", wine / "dosdevices" / "c:");
-    if (c.Value)
+    if (value)
       std::ofstream(wine / "system.reg") << "WINE REGISTRY Version 2\n\n[Software\\\\FISH "
                                             "Technology Group\\\\Transport Tycoon Deluxe] 1\n"
-                                         << c.Value << "\n";
-    const uitest::fs::path program = c.Palette ? wine / "program" : VOSSEL_BIN_DIR;
+                                         << f[0] << "\n";
+    const uitest::fs::path program = palette ? wine / "program" : VOSSEL_BIN_DIR;
     uitest::fs::create_directories(program);
-    if (c.Palette) std::ofstream(program / "ttdw-jasc.pal") << c.Palette;
+    if (palette) std::ofstream(program / "ttdw-jasc.pal") << Unescape(f[1]);
     ASSERT_TRUE(ChDir(wine.string()));
     frmMain form;
-    form.AppPath = program.string() + (c.Palette ? "/" : "");  // a final separator is not doubled
-    EXPECT_EQ(form.Form_Load(), c.Palette == nullptr);
+    form.AppPath = program.string() + (palette ? "/" : "");  // a final separator is not doubled
+    EXPECT_EQ(form.Form_Load(), !palette);
     EXPECT_EQ(form.PaletteFile, (program / "ttdw-jasc.pal").string());
     EXPECT_EQ(uitest::fs::canonical(CurDir()),
-              uitest::fs::canonical(*c.Current ? wine / c.Current : program));
+              uitest::fs::canonical(!current.empty() ? wine / current : program));
     const std::vector<Shown> refused = {{kMsgBadPalette, "Error", MsgBoxIcon::Information}};
-    EXPECT_EQ(fakes.Boxes, c.Palette ? refused : std::vector<Shown>());
+    EXPECT_EQ(fakes.Boxes, palette ? refused : std::vector<Shown>());
   }
 }
 
