@@ -105,15 +105,13 @@ Bytes NoisyFile(int count) {
   return grfw::FileOf(records);
 }
 
-bool Hidden(const fs::path& path) {
-  return path.filename().string().front() == '.';
-}
-
-// Every file under its own name holds its sprite whole; gives how many there are.
+// Every file under its own name (not a hidden temporary one) holds its sprite whole; gives how many
+// there are.
 size_t ExpectWholeFiles(const fs::path& dir, const SpriteStore& store) {
   size_t count = 0;
   for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
-    if (Hidden(entry.path()) || entry.path().extension() == ".nfo") continue;
+    const std::string name = entry.path().filename().string();
+    if (name.front() == '.' || entry.path().extension() == ".nfo") continue;
     ExpectSprite(dir, store, std::stoul(entry.path().stem().string()) - 1);
     ++count;
   }
