@@ -6,7 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <iterator>
 #include <sstream>
 
 #include <QImage>
@@ -40,50 +40,43 @@ struct ListedSprite {
   std::vector<ListedPicture> Pictures;  // a mask follows the picture it belongs to
 };
 
+const char* const kZoomWords[] = {"normal", "zi4", "zi2", "zo2", "zo4", "zo8"};
+
+void Need(bool ok, const std::string& what) {
+  if (!ok) throw std::runtime_error(what);
+}
+
 int Whole(const std::string& word) {
   size_t used = 0;
   const int value = std::stoi(word, &used);
-  if (used != word.size()) throw std::runtime_error("not a number: " + word);
+  Need(used == word.size(), "not a number: " + word);
   return value;
 }
 
 uint8_t HexPair(const std::string& word) {
-  if (word.size() != 2 || !std::isxdigit(word[0]) || !std::isxdigit(word[1]))
-    throw std::runtime_error("not a hex pair: " + word);
+  Need(word.size() == 2 && std::isxdigit(word[0]) && std::isxdigit(word[1]),
+       "not a hex pair: " + word);
   return static_cast<uint8_t>(std::stoi(word, nullptr, 16));
-}
-
-std::vector<std::string> Words(const std::string& line) {
-  std::istringstream in(line);
-  std::vector<std::string> words;
-  for (std::string w; in >> w;) words.push_back(w);
-  return words;
 }
 
 // FILE DEPTH XPOS YPOS XSIZE YSIZE XREL YREL ZOOM [FLAGS], or FILE mask XPOS YPOS.
 ListedPicture PictureOfWords(const std::vector<std::string>& w, size_t at) {
-  ListedPicture p;
-  if (w.size() < at + 4) throw std::runtime_error("a picture line too short");
-  p.File = w[at];
-  p.Depth = w[at + 1];
-  p.XPos = Whole(w[at + 2]);
-  p.YPos = Whole(w[at + 3]);
+  Need(w.size() >= at + 4, "a picture line too short");
+  ListedPicture p{w[at], w[at + 1], Whole(w[at + 2]), Whole(w[at + 3]), 0, 0, 0, 0, "", {}};
   if (p.Depth == "mask") {
-    if (w.size() != at + 4) throw std::runtime_error("a mask line too long");
+    Need(w.size() == at + 4, "a mask line too long");
     return p;
   }
-  if (p.Depth != "8bpp" && p.Depth != "32bpp") throw std::runtime_error("depth " + p.Depth);
-  if (w.size() < at + 9) throw std::runtime_error("a picture line too short");
+  Need(p.Depth == "8bpp" || p.Depth == "32bpp", "depth " + p.Depth);
+  Need(w.size() >= at + 9, "a picture line too short");
   p.Width = Whole(w[at + 4]);
   p.Height = Whole(w[at + 5]);
   p.X = Whole(w[at + 6]);
   p.Y = Whole(w[at + 7]);
   p.Zoom = w[at + 8];
-  static const std::vector<std::string> kZooms = {"normal", "zi4", "zi2", "zo2", "zo4", "zo8"};
-  if (std::find(kZooms.begin(), kZooms.end(), p.Zoom) == kZooms.end())
-    throw std::runtime_error("zoom " + p.Zoom);
+  Need(std::count(std::begin(kZoomWords), std::end(kZoomWords), p.Zoom) == 1, "zoom " + p.Zoom);
   for (size_t i = at + 9; i < w.size(); ++i) {
-    if (w[i] != "chunked" && w[i] != "nocrop") throw std::runtime_error("flag " + w[i]);
+    Need(w[i] == "chunked" || w[i] == "nocrop", "flag " + w[i]);
     p.Flags.push_back(w[i]);
   }
   return p;
@@ -93,20 +86,20 @@ std::vector<ListedSprite> ParseListing(const fs::path& path) {
   std::ifstream in(path);
   std::string line;
   std::getline(in, line);
-  if (line != "// (Info version 32)") throw std::runtime_error("head: " + line);
+  Need(line == "// (Info version 32)", "head: " + line);
   std::getline(in, line);
-  if (line != "// Format: spritenum imagefile depth xpos ypos xsize ysize xrel yrel zoom flags")
-    throw std::runtime_error("format line: " + line);
+  Need(line == "// Format: spritenum imagefile depth xpos ypos xsize ysize xrel yrel zoom flags",
+       "format line: " + line);
   std::vector<ListedSprite> sprites;
   while (std::getline(in, line)) {
-    if (line.empty() || line.rfind("//", 0) == 0) continue;
-    const std::vector<std::string> w = Words(line);
-    if (w.empty()) continue;
+    std::istringstream words(line);
+    const std::vector<std::string> w{std::istream_iterator<std::string>(words), {}};
+    if (w.empty() || line.rfind("//", 0) == 0) continue;
     if (line[0] == '\t') {
-      if (sprites.empty() || !sprites.back().Pseudo) throw std::runtime_error("stray: " + line);
+      Need(!sprites.empty() && sprites.back().Pseudo, "stray: " + line);
       for (const std::string& pair : w) sprites.back().Data.push_back(HexPair(pair));
     } else if (w[0] == "|") {
-      if (sprites.empty() || sprites.back().Pseudo) throw std::runtime_error("stray: " + line);
+      Need(!sprites.empty() && !sprites.back().Pseudo, "stray: " + line);
       sprites.back().Pictures.push_back(PictureOfWords(w, 1));
     } else {
       ListedSprite s;
@@ -141,8 +134,6 @@ struct Wanted {
 Wanted PseudoSprite(const Bytes& data) {
   return Wanted{true, data, {}};
 }
-
-const char* const kZoomWords[] = {"normal", "zi4", "zi2", "zo2", "zo4", "zo8"};
 
 // A rectangle of a PNG as RGBA bytes, or as palette indices when the PNG is a palette one.
 Bytes Cut(const QImage& png, const ListedPicture& p, int width, int height, bool indices) {
@@ -297,7 +288,7 @@ TEST(CliEncoderListing, Version1FileRebuildsSpriteForSprite) {
 }
 
 // Every kind of alternative: 8-bit and 32-bit, with alpha and with a mask, in tile form, at other
-// zoom levels; and non-image data.
+// zoom levels; and non-image data. Each alternative has its own file, which sprite --png gives too.
 TEST(CliEncoderListing, Version2FileRebuildsWithEveryAlternative) {
   const grfw::Image2 eight = grfw::RandomImage(0x04, 0, 7, 5, -3, 2, 1);
   const grfw::Image2 rgba = grfw::RandomImage(0x03, 0, 6, 4, -1, -9, 2);
@@ -319,6 +310,21 @@ TEST(CliEncoderListing, Version2FileRebuildsWithEveryAlternative) {
                  Wanted{false, {}, {WantedV2(tiled), WantedV2(tiledRgb)}},
                  PseudoSprite(Bytes(sound.begin() + 1, sound.end()))});
   ExpectRebuilt(root, "encoder-v2", WantedByEngine(grf));
+  // sprite --png with the options that choose each alternative writes the same picture.
+  const std::pair<const char*, std::vector<std::string>> chosen[] = {
+      {"0003.png", {"--depth", "8"}},
+      {"0003-32bpp-normal.png", {}},
+      {"0003-32bpp-in4.png", {"--zoom", "in4"}}};
+  for (const auto& [name, options] : chosen) {
+    const std::string png = root + "/sprite.png";
+    std::vector<std::string> args = {"sprite", grf, "3", "--png", png, "--force"};
+    args.insert(args.end(), options.begin(), options.end());
+    ASSERT_EQ(RunCli(args).Status, 0) << name;
+    EXPECT_EQ(QImage(QString::fromStdString(png)).convertToFormat(QImage::Format_ARGB32),
+              QImage(QString::fromStdString(root + "/sprites/" + name))
+                  .convertToFormat(QImage::Format_ARGB32))
+        << name;
+  }
   fs::remove_all(root);
 }
 

@@ -5,79 +5,67 @@
 
 #include "actions.h"
 #include "look.h"
+#include "open_grf.h"
 #include "sheet_files.h"
 
 using namespace vossel;
 
-namespace {
-
-struct Opened {
-  GrfFile File;
-  FileReading Reading;
-  explicit Opened(const std::string& path) {
-    LoadGrfFile(path, File, nullptr, nullptr);
-    ReadFileActions(File, Reading);
-  }
-};
-
-}  // namespace
-
 TEST(Look, FirstPaletteRuleWindowDrawsVersion1InThePaletteFileCliAsDeclared) {
-  Opened v1(grfw::WriteTemp("look-v1.grf", sheetfiles::DosVersion1()));
-  Opened v2(grfw::WriteTemp("look-v2.grf", sheetfiles::Version2()));
-  EXPECT_EQ(StartingPalette(FirstPalette::AsDesigned, v1.File), PaletteChoiceKind::Windows);
-  EXPECT_EQ(StartingPalette(FirstPalette::Declared, v1.File), PaletteChoiceKind::Declared);
-  EXPECT_EQ(StartingPalette(FirstPalette::AsDesigned, v2.File), PaletteChoiceKind::Declared);
-  EXPECT_EQ(StartingPalette(FirstPalette::Declared, v2.File), PaletteChoiceKind::Declared);
+  const auto v1 = OpenGrf(grfw::WriteTemp("look-v1.grf", sheetfiles::DosVersion1()));
+  const auto v2 = OpenGrf(grfw::WriteTemp("look-v2.grf", sheetfiles::Version2()));
+  EXPECT_EQ(StartingPalette(FirstPalette::AsDesigned, v1->File), PaletteChoiceKind::Windows);
+  EXPECT_EQ(StartingPalette(FirstPalette::Declared, v1->File), PaletteChoiceKind::Declared);
+  EXPECT_EQ(StartingPalette(FirstPalette::AsDesigned, v2->File), PaletteChoiceKind::Declared);
+  EXPECT_EQ(StartingPalette(FirstPalette::Declared, v2->File), PaletteChoiceKind::Declared);
 
   // Before a choice the two draw the version-1 file in different palettes; a choice overrides
   // the rule for both.
-  const PaletteDeclaration dos = DeclaredPaletteOf(v1.Reading);
-  const Look window = ResolveLook({}, FirstPalette::AsDesigned, v1.File, dos, {});
-  const Look cli = ResolveLook({}, FirstPalette::Declared, v1.File, dos, {});
+  const PaletteDeclaration dos = DeclaredPaletteOf(v1->Reading);
+  const Look window = ResolveLook({}, FirstPalette::AsDesigned, v1->File, dos, {});
+  const Look cli = ResolveLook({}, FirstPalette::Declared, v1->File, dos, {});
   ASSERT_TRUE(window.PaletteRead && cli.PaletteRead);
   EXPECT_EQ(cli.PaletteText, "DOS (declared by Action 14)");
   EXPECT_NE(window.Palette, cli.Palette);
   LookChoices declared;
   declared.Palette = PaletteChoice{PaletteChoiceKind::Declared, {}};
-  EXPECT_EQ(ResolveLook(declared, FirstPalette::AsDesigned, v1.File, dos, {}), cli);
+  EXPECT_EQ(ResolveLook(declared, FirstPalette::AsDesigned, v1->File, dos, {}), cli);
   LookChoices windows;
   windows.Palette = PaletteChoice{PaletteChoiceKind::Windows, {}};
-  EXPECT_EQ(ResolveLook(windows, FirstPalette::Declared, v1.File, dos, {}), window);
+  EXPECT_EQ(ResolveLook(windows, FirstPalette::Declared, v1->File, dos, {}), window);
 
   // A palette that cannot be read says so and which file it is.
   LookChoices nowhere;
   nowhere.Folder = "/nonexistent-vossel";
-  const Look lost = ResolveLook(nowhere, FirstPalette::Declared, v1.File, dos, {});
+  const Look lost = ResolveLook(nowhere, FirstPalette::Declared, v1->File, dos, {});
   EXPECT_FALSE(lost.PaletteRead);
   EXPECT_EQ(lost.PaletteFile, "/nonexistent-vossel/ttd-dos-jasc.pal");
 }
 
 TEST(Look, CompanyMapsComeFromTheNamedSetThenTheFileAndOnlyThenTheInstalledSets) {
-  Opened own(grfw::WriteTemp("look-maps.grf", sheetfiles::DosVersion1()));
-  Opened none(grfw::WriteTemp("look-nomaps.grf", sheetfiles::Version2()));
-  const FoundMaps fromFile = NearMaps(own.File, "");
+  const auto own = OpenGrf(grfw::WriteTemp("look-maps.grf", sheetfiles::DosVersion1()));
+  const auto none = OpenGrf(grfw::WriteTemp("look-nomaps.grf", sheetfiles::Version2()));
+  const FoundMaps fromFile = NearMaps(own->File, "");
   EXPECT_TRUE(fromFile.Found);
-  EXPECT_EQ(fromFile.From, own.File.Path);
+  EXPECT_EQ(fromFile.From, own->File.Path);
   EXPECT_FALSE(SearchInstalled(fromFile));
   // The file's own map for red sends the company range to 0x10 + 8 x 4.
   EXPECT_EQ(MapOf(fromFile.Maps, CompanyColour::Red)[0xC6], 0x30);
 
-  const FoundMaps named = NearMaps(none.File, own.File.Path);
+  const FoundMaps named = NearMaps(none->File, own->File.Path);
   EXPECT_TRUE(named.Found);
-  EXPECT_EQ(named.From, own.File.Path);
-  const FoundMaps bad = NearMaps(own.File, none.File.Path);
+  EXPECT_EQ(named.From, own->File.Path);
+  const FoundMaps bad = NearMaps(own->File, none->File.Path);
   EXPECT_FALSE(bad.Found);
   EXPECT_EQ(bad.Problem, "the file ends before sprite 790");
   EXPECT_FALSE(SearchInstalled(bad)) << "a named set that fails is said, not replaced";
-  EXPECT_TRUE(SearchInstalled(NearMaps(none.File, "")));
+  EXPECT_TRUE(SearchInstalled(NearMaps(none->File, "")));
 
   // A company colour without maps draws without it; with them, through the colour's map.
   LookChoices red;
   red.Company = static_cast<int32_t>(CompanyColour::Red);
-  const PaletteDeclaration dos = DeclaredPaletteOf(own.Reading);
-  EXPECT_FALSE(ResolveLook(red, FirstPalette::Declared, own.File, dos, {}).Company);
-  const Look shaded = ResolveLook(red, FirstPalette::Declared, own.File, dos, fromFile);
+  const PaletteDeclaration dos = DeclaredPaletteOf(own->Reading);
+  EXPECT_FALSE(ResolveLook(red, FirstPalette::Declared, own->File, dos, {}).Company);
+  const Look shaded = ResolveLook(red, FirstPalette::Declared, own->File, dos, fromFile);
   EXPECT_TRUE(shaded.Company);
   EXPECT_EQ(shaded.Map, MapOf(fromFile.Maps, CompanyColour::Red));
 }

@@ -1,5 +1,5 @@
-// The renderer against pictures worked out pixel by pixel, for random sprites, stores, palettes,
-// pictures, magnifications, picture areas and background colours.
+// The renderer against pictures worked out pixel by pixel, for random pictures, magnifications and
+// picture areas, and the crosshair against every colour.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,21 +13,10 @@
 
 #include "composite.h"
 #include "renderer.h"
-#include "sprite_bitmap.h"
 
 using namespace vossel;
 
 namespace {
-
-SpriteRecord Record(int w, int h, int x = 0, int y = 0) {
-  SpriteRecord r;
-  r.Width = static_cast<int16_t>(w);
-  r.Height = static_cast<int16_t>(h);
-  r.Size = w * h;
-  r.XOffset = x;
-  r.YOffset = y;
-  return r;
-}
 
 enum class CrosshairPart { None, Line, Outline };
 
@@ -47,46 +36,6 @@ double Distance(QRgb a, QRgb b) {
 }
 
 }  // namespace
-
-TEST(DrawSprite, RandomSpritesLandWhereTheyShould) {
-  std::mt19937 rng(5);
-  const auto R = [&rng](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-  for (int round = 0; round < 300; ++round) {
-    PaletteBuffer palette;
-    for (uint8_t& b : palette) b = static_cast<uint8_t>(R(0, 255));
-    // A store of random bytes; the sprite may reach past its end, where it shows index 0.
-    SpriteStore store;
-    store.SpriteData.resize(static_cast<size_t>(R(0, 70000)));
-    for (uint8_t& b : store.SpriteData) b = static_cast<uint8_t>(R(0, 255));
-    const int kind = R(0, 19);  // some undrawable, some as wide as a sprite can be
-    SpriteRecord r = Record(kind == 0   ? R(-2, 0)
-                            : kind == 1 ? R(32760, 32767)
-                                        : R(1, 40),
-                            kind == 2 ? R(-2, 0) : R(1, 20), R(-60, 60), R(-60, 60));
-    r.DataOffset = R(0, 300);
-    r.Flags = static_cast<uint8_t>(R(0, 1) * 255);
-    store.SpriteTable.push_back(r);
-    const int width = R(1, 60), height = R(1, 60), freeWidth = R(0, width);
-    QImage canvas(width, height, QImage::Format_RGB32);
-    canvas.fill(qRgb(1, 2, 3));
-    const QRgb background = qRgb(R(0, 255), R(0, 255), R(0, 255));
-    ASSERT_TRUE(DrawSprite(canvas, store, 0, palette, freeWidth, height, QColor(background)));
-    // Centred in the free area by half of (area - size + offset), truncated toward zero.
-    const int x0 = (freeWidth - r.Width + r.XOffset) / 2, y0 = (height - r.Height + r.YOffset) / 2;
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        const int c = x - x0, row = y - y0;
-        QRgb want = background;
-        if (c >= 0 && c < r.Width && row >= 0 && row < r.Height) {
-          const size_t at = static_cast<size_t>(r.DataOffset + row * r.Width + c);
-          const int i = at < store.SpriteData.size() ? store.SpriteData[at] : 0;
-          want = qRgb(palette[4 * i + 2], palette[4 * i + 1], palette[4 * i]);
-        }
-        ASSERT_EQ(canvas.pixel(x, y), want) << "round " << round << " at " << x << "," << y;
-      }
-    }
-  }
-}
 
 // Random 8-bit and 32-bit pictures, magnified and placed, against the picture worked out pixel by
 // pixel: 32-bit ones blended over the checkerboard by Qt's own painter, 8-bit ones with index 0

@@ -23,6 +23,17 @@ inline std::vector<std::string> CaseLines(const std::string& file) {
   return lines;
 }
 
+// A case file of blocks, each opened by a line that starts "==" and holding the lines up to the
+// next one.
+inline std::vector<std::vector<std::string>> CaseBlocks(const std::string& file) {
+  std::vector<std::vector<std::string>> blocks;
+  for (const std::string& line : CaseLines(file)) {
+    if (line.rfind("==", 0) == 0 || blocks.empty()) blocks.emplace_back();
+    blocks.back().push_back(line);
+  }
+  return blocks;
+}
+
 // The first `count` - 1 fields end at " |", and each field after one loses a single blank.
 inline std::vector<std::string> Fields(const std::string& line, size_t count) {
   std::vector<std::string> fields;

@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QDropEvent>
-#include <QLabel>
 #include <QMimeData>
 #include <QMimeDatabase>
 #include <QUrl>

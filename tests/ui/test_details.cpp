@@ -2,8 +2,6 @@
 // vossel-cli sprite says.
 #include <gtest/gtest.h>
 
-#include <QAction>
-
 #include "frmDetails.h"
 #include "run_cli.h"
 #include "scrollbar.h"

@@ -3,7 +3,6 @@
 // a sprite's items, and a reload keeping the item on view.
 #include <gtest/gtest.h>
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 #include <QToolButton>

@@ -2,7 +2,6 @@
 // showing a finding's sprite in the main window, and the list following a reload and a new file.
 #include <gtest/gtest.h>
 
-#include <QLabel>
 #include <QTest>
 #include <QTreeWidget>
 

@@ -8,11 +8,8 @@
 
 #include <QAction>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QScrollBar>
-#include <QSlider>
 #include <QSpinBox>
 #include <QTest>
 

@@ -121,8 +121,7 @@ inline grfw::Bytes FiveSprites(const grfw::Bytes& fourth = grfw::PlainSprite(1, 
 
 // A real NewGRF kept with the tests.
 inline grfw::Bytes DataFile(const std::string& name) {
-  std::ifstream in(std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name, std::ios::binary);
-  return grfw::Bytes((std::istreambuf_iterator<char>(in)), {});
+  return grfw::ReadFile(std::string(VOSSEL_TESTS_DIR) + "/data/newgrf/" + name);
 }
 
 // The colour that palette index i shows.

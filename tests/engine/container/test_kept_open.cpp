@@ -1,5 +1,5 @@
 // A version-2 file kept open: read at positions it gives what a buffer of it gives, and a file
-// changed while it is open is told, never read as it was.
+// changed while it is open (cut, replaced, rewritten, grown) is told, never read as it was.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -66,70 +66,50 @@ TEST(KeptOpen, ReadsWhatTheBufferHolds) {
   }
 }
 
+// Cut short; written over by another file; the same length with a newer time, as a rewrite in
+// place leaves it; bytes appended with the time set back as it was, where only the length tells.
+// Each is told in the opened file and in the chunk viewer's own reading.
 TEST(KeptOpen, AFileChangedWhileOpenIsTold) {
   const Bytes bytes = KeptFile();
   const Bytes other = grfw::V2File({grfw::V2Ref(1)}, {grfw::V2Raw(1, {0xFF, 9})});
   const std::string size = std::to_string(bytes.size());
-  // Cut short; written over by another file; the same length with a newer time, as a rewrite in
-  // place leaves it.
-  const std::string kinds[] = {std::to_string(bytes.size() / 2) + " bytes now, " + size + " then",
-                               std::to_string(other.size()) + " bytes now, " + size + " then",
-                               "been rewritten"};
+  const std::string kinds[] = {
+      std::to_string(bytes.size() / 2) + " bytes now, " + size + " then",
+      std::to_string(other.size()) + " bytes now, " + size + " then", "been rewritten",
+      std::to_string(bytes.size() + 100) + " bytes now, " + size + " then"};
   for (const std::string& kind : kinds) {
     SCOPED_TRACE(kind);
     const std::string path = grfw::WriteTemp("changed.grf", bytes);
     GrfFile file;
+    ChunkFile viewed;
     ASSERT_EQ(LoadGrfFile(path, file, nullptr, nullptr).End, OpenEnd::Ok);
+    ASSERT_EQ(ScanGrfFile(path, viewed).End, ScanEnd::Complete);
     ChunkCursor cursor = StartChunks(file, 1, 0);
+    const auto time = std::filesystem::last_write_time(path);
     if (kind == kinds[0]) std::filesystem::resize_file(path, bytes.size() / 2);
     if (kind == kinds[1]) grfw::WriteTemp("changed.grf", other);
-    if (kind == kinds[2])
-      std::filesystem::last_write_time(
-          path, std::filesystem::last_write_time(path) + std::chrono::seconds(1));
+    if (kind == kinds[2]) std::filesystem::last_write_time(path, time + std::chrono::seconds(1));
+    if (kind == kinds[3]) {
+      std::ofstream(path, std::ios::binary | std::ios::app) << std::string(100, '\x3C');
+      std::filesystem::last_write_time(path, time);
+    }
+    const std::string told = std::string("The file has changed since it was opened: it ") +
+                             (kind == kinds[2] ? "has " : "holds ") + kind +
+                             "; open it again to see it as it is";
     SpritePicture picture;
     std::vector<uint8_t> got;
     ChunkRecord chunk;
     EXPECT_EQ(PictureOf(file, 1, 0, picture), GrfResult::FileChanged);
-    EXPECT_EQ(PictureProblem(file, 1, 0, GrfResult::FileChanged),
-              std::string("The file has changed since it was opened: it ") +
-                  (kind == kinds[2] ? "has " : "holds ") + kind +
-                  "; open it again to see it as it is");
+    EXPECT_EQ(PictureProblem(file, 1, 0, GrfResult::FileChanged), told);
     EXPECT_EQ(SpriteBytes(file, 0, -1, got), GrfResult::FileChanged);
+    EXPECT_EQ(SpriteBytes(file, 2, 1, got), GrfResult::FileChanged);
     EXPECT_TRUE(picture.Rgba.empty() && picture.Indices.empty() && got.empty());
     EXPECT_FALSE(NextChunk(file, cursor, chunk));
     EXPECT_TRUE(cursor.Unreadable && cursor.Done);
+    ChunkCursor own = StartChunks(viewed, 1, 0);
+    EXPECT_FALSE(NextChunk(viewed, own, chunk));
+    EXPECT_TRUE(own.Unreadable);
+    EXPECT_EQ(UnreadableText(viewed.File), told);
     std::filesystem::remove(path);
   }
-}
-
-// Bytes appended with the time set back as it was: only the length tells, and it is told as the
-// other changes are, both in the opened file and in the chunk viewer's own reading.
-TEST(KeptOpen, AFileThatGrewIsToldEvenWithItsOldTime) {
-  const Bytes bytes = KeptFile();
-  const std::string path = grfw::WriteTemp("grew.grf", bytes);
-  GrfFile file;
-  ChunkFile viewed;
-  ASSERT_EQ(LoadGrfFile(path, file, nullptr, nullptr).End, OpenEnd::Ok);
-  ASSERT_EQ(ScanGrfFile(path, viewed).End, ScanEnd::Complete);
-  const auto time = std::filesystem::last_write_time(path);
-  {
-    std::ofstream append(path, std::ios::binary | std::ios::app);
-    append << std::string(100, '\x3C');
-  }
-  std::filesystem::last_write_time(path, time);
-  const std::string told = "The file has changed since it was opened: it holds " +
-                           std::to_string(bytes.size() + 100) + " bytes now, " +
-                           std::to_string(bytes.size()) + " then; open it again to see it as it is";
-  SpritePicture picture;
-  std::vector<uint8_t> got;
-  EXPECT_EQ(PictureOf(file, 1, 0, picture), GrfResult::FileChanged);
-  EXPECT_EQ(SpriteBytes(file, 2, 1, got), GrfResult::FileChanged);
-  EXPECT_EQ(PictureProblem(file, 1, 0, GrfResult::FileChanged), told);
-  ChunkRecord chunk;
-  ChunkCursor opened = StartChunks(file, 1, 0), own = StartChunks(viewed, 1, 0);
-  EXPECT_FALSE(NextChunk(file, opened, chunk));
-  EXPECT_FALSE(NextChunk(viewed, own, chunk));
-  EXPECT_TRUE(opened.Unreadable && own.Unreadable);
-  EXPECT_EQ(UnreadableText(viewed.File), told);
-  std::filesystem::remove(path);
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <numeric>
 
 #include "baseset.h"
 #include "case_file.h"
@@ -95,19 +94,6 @@ TEST(Descriptor, FoundBesideTheFileAndAmongInstalledSets) {
   EXPECT_EQ(sets[0].BasePath, "");
   EXPECT_EQ(sets[1].BasePath, (dir / "one.grf").string());
   EXPECT_EQ(sets[2].BasePath, (dir / "sub" / "two.grf").string());
-}
-
-TEST(Descriptor, RealOpenGfx) {
-  if (!std::filesystem::exists(kOpenGfx + "/opengfx.obg")) GTEST_SKIP() << "OpenGFX not installed";
-  const auto base = FindDescriptorFor(kOpenGfx + "/ogfx1_base.grf");
-  ASSERT_TRUE(base);
-  EXPECT_EQ(base->Descriptor.Name, "OpenGFX");
-  EXPECT_EQ(base->Descriptor.Base, "ogfx1_base.grf");
-  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, base)), "DOS (declared by opengfx.obg)");
-  const auto toyland = FindDescriptorFor(kOpenGfx + "/ogfxt_toyland.grf");
-  ASSERT_TRUE(toyland);
-  EXPECT_EQ(DeclarationText(DeclaredPalette(std::nullopt, toyland)),
-            "DOS toyland (declared by opengfx.obg)");
 }
 
 TEST(CompanyMaps, Names) {

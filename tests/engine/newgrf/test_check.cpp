@@ -2,7 +2,6 @@
 // gives none; real files that give no error; a cut file said once.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <memory>
 
@@ -78,37 +77,28 @@ std::vector<std::string> Codes(const std::vector<Finding>& findings) {
 }  // namespace
 
 TEST(Check, EachFaultGivesExactlyItsFindingAndItsTwinNone) {
-  struct Case {
-    std::string Name;
-    std::vector<std::string> Expect, Bad, Good;
-  };
-  std::vector<Case> cases;
-  std::vector<std::string>* into = nullptr;
-  for (const std::string& line : CaseLines("engine/newgrf/check_cases.txt")) {
-    if (line.rfind("== ", 0) == 0) {
-      cases.push_back({line.substr(3), {}, {}, {}});
-    } else if (line.rfind("expect ", 0) == 0) {
-      std::stringstream words(line.substr(7));
-      for (std::string w; words >> w;) cases.back().Expect.push_back(w);
-    } else if (line == "bad") {
-      into = &cases.back().Bad;
-    } else if (line == "good") {
-      into = &cases.back().Good;
-    } else {
-      into->push_back(line);
-    }
-  }
+  const std::vector<std::vector<std::string>> cases = CaseBlocks("engine/newgrf/check_cases.txt");
   ASSERT_GE(cases.size(), 20u);
   std::map<CheckCode, int> covered;
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.Name);
-    const auto bad = Check(grfw::WriteTemp("check-bad.grf", CaseFile(c.Bad)));
-    EXPECT_EQ(Codes(bad->Findings), c.Expect);
+  for (const std::vector<std::string>& c : cases) {
+    SCOPED_TRACE(c[0]);
+    std::vector<std::string> expect, files[2];  // the faulty file's lines and its twin's
+    size_t into = 0;
+    for (size_t i = 1; i < c.size(); ++i) {
+      std::stringstream words(c[i].rfind("expect ", 0) == 0 ? c[i].substr(7) : "");
+      for (std::string w; words >> w;) expect.push_back(w);
+      if (c[i] == "bad" || c[i] == "good")
+        into = c[i] == "good";
+      else if (c[i].rfind("expect ", 0) != 0)
+        files[into].push_back(c[i]);
+    }
+    const auto bad = Check(grfw::WriteTemp("check-bad.grf", CaseFile(files[0])));
+    EXPECT_EQ(Codes(bad->Findings), expect);
     for (const Finding& f : bad->Findings) {
       ++covered[f.Code];
       EXPECT_FALSE(FindingText(f).empty());
     }
-    const auto good = Check(grfw::WriteTemp("check-good.grf", CaseFile(c.Good)));
+    const auto good = Check(grfw::WriteTemp("check-good.grf", CaseFile(files[1])));
     EXPECT_EQ(Codes(good->Findings), std::vector<std::string>{});
   }
   // Every code the table names is given by some case, but for those no file of ours can carry
