@@ -1,0 +1,9 @@
+# The test writer of GRF files and the helpers only tests use, the checked-in expected texts, and
+# the real files of Debian's openttd-data: for the test suite and for the fuzz targets alike.
+set(VOSSEL_BASESET_DIR /usr/share/games/openttd/baseset)
+get_filename_component(VOSSEL_TESTS_SOURCE_DIR ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
+add_library(vossel_test_support INTERFACE)
+target_include_directories(vossel_test_support INTERFACE ${CMAKE_CURRENT_LIST_DIR})
+target_compile_definitions(vossel_test_support INTERFACE
+                           VOSSEL_TESTS_DIR="${VOSSEL_TESTS_SOURCE_DIR}"
+                           VOSSEL_BASESET_DIR="${VOSSEL_BASESET_DIR}")
