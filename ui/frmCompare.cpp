@@ -16,7 +16,7 @@ constexpr int kSpriteRole = Qt::UserRole;  // index into the comparison's sprite
 // The marked picture: B with this over every pixel that differs from A.
 const QColor kMark(255, 0, 0, 180);
 // Pictures are magnified to about this many pixels across their longer side, at most 8 times.
-constexpr int kShownSize = 160;
+constexpr int kShownSize = 256;
 
 QString Q(const std::string& s) {
   return QString::fromStdString(s);
@@ -57,7 +57,7 @@ void ShowPicture(QLabel* label, const QImage& picture) {
 QLabel* PictureLabel(QWidget* owner) {
   auto* label = new QLabel(owner);
   label->setAlignment(Qt::AlignCenter);
-  label->setMinimumSize(kShownSize, kShownSize);
+  label->setMinimumSize(kShownSize, kShownSize * 3 / 4);
   label->setFrameShape(QFrame::StyledPanel);
   return label;
 }
@@ -97,7 +97,7 @@ frmCompare::frmCompare(QWidget* owner) : QWidget(owner, Qt::Window) {
   layout->addWidget(lblSummary);
   layout->addWidget(tvwDifferences, 1);
   layout->addLayout(pictures);
-  resize(960, 640);
+  resize(960, 720);
   connect(tvwDifferences, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* row) {
     ShowDifference(row != nullptr ? row->data(0, kSpriteRole).toInt() : -1);
   });
