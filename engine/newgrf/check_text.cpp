@@ -175,7 +175,7 @@ std::string FindingText(const Finding& f) {
     case CheckCode::BadUtf8:
       return (a == -1   ? std::string("the name")
               : a == -2 ? std::string("the description")
-                        : "text " + HexDigits(static_cast<uint32_t>(a), 2)) +
+                        : "text ID " + HexDigits(static_cast<uint32_t>(a), 2)) +
              " is marked UTF-8 but is not: byte " + N(b) + " (" +
              HexDigits(static_cast<uint32_t>(c), 2) + ") starts no valid character";
     case CheckCode::No8Bit:
