@@ -18,6 +18,7 @@
 #include "filedialog.h"
 #include "follow.h"
 #include "frmChunk.h"
+#include "frmCompare.h"
 #include "frmDetails.h"
 #include "frmItems.h"
 #include "frmProblems.h"
@@ -95,6 +96,7 @@ class frmMain : public QMainWindow {
   bool ItemsDone = false;
   std::unique_ptr<frmItems> ItemsWindow;
   std::unique_ptr<frmProblems> ProblemsWindow;
+  std::unique_ptr<frmCompare> CompareWindow;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -143,6 +145,7 @@ class frmMain : public QMainWindow {
   QMenu* mnuFile;
   QAction* mnuNew;
   QAction* mnuOpen;
+  QAction* mnuCompare;
   QAction* mnuReload;
   QAction* mnuSave;
   QAction* mnuSaveAs;
@@ -287,11 +290,13 @@ class frmMain : public QMainWindow {
   // and going.
   const Look& LookOfView();
   void AttachSheet();
-  // The side windows (Sprite Sheet, Items, Problems) hold the file only while on screen: a load
-  // gives it to those shown, and showing one gives it the file it lacks. Each is made by its first
-  // showing and kept; a sprite it picks is shown through the scroll bar.
+  // The side windows (Sprite Sheet, Items, Problems, Compare) hold the file only while on screen: a
+  // load gives it to those shown, and showing one gives it the file it lacks. Each is made by its
+  // first showing and kept; a sprite it picks is shown through the scroll bar.
   template <class Window>
   void ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)());
+  template <class Window>
+  void MakeSideWindow(std::unique_ptr<Window>& window);
   template <class Window>
   bool WantsFile(const std::unique_ptr<Window>& window) const;
   void AttachSideWindows();
@@ -308,6 +313,10 @@ class frmMain : public QMainWindow {
   void BuildProblemsItem();
   void mnuProblems_Click();
   void AttachProblems();
+  // The Compare window's part (frmMain_compare.cpp).
+  void BuildCompareItem();
+  void mnuCompare_Click();
+  void AttachCompare();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
@@ -323,11 +332,15 @@ class frmMain : public QMainWindow {
 };
 
 template <class Window>
+void frmMain::MakeSideWindow(std::unique_ptr<Window>& window) {
+  if (window) return;
+  window = std::make_unique<Window>(this);
+  window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
+}
+
+template <class Window>
 void frmMain::ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)()) {
-  if (!window) {
-    window = std::make_unique<Window>(this);
-    window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
-  }
+  MakeSideWindow(window);
   window->show();
   window->raise();
   window->activateWindow();
