@@ -47,7 +47,6 @@ TEST(Look, CompanyMapsComeFromTheNamedSetThenTheFileAndOnlyThenTheInstalledSets)
   const FoundMaps fromFile = NearMaps(own->File, own->Reading, "");
   EXPECT_TRUE(fromFile.Found && fromFile.TwoFound);
   EXPECT_EQ(fromFile.From, own->File.Path);
-  EXPECT_EQ(fromFile.TwoFrom, own->File.Path);
   EXPECT_FALSE(SearchInstalled(fromFile));
   // The file's own map for red sends the company range to 0x10 + 8 x 4.
   EXPECT_EQ(MapOf(fromFile.Maps, CompanyColour::Red)[0xC6], 0x30);
@@ -60,10 +59,8 @@ TEST(Look, CompanyMapsComeFromTheNamedSetThenTheFileAndOnlyThenTheInstalledSets)
   EXPECT_EQ(bad.Problem, "the file ends before sprite 790");
   FoundMaps installed;
   installed.TwoFound = installed.Found = true;
-  installed.TwoFrom = installed.From = "/installed.grf";
-  const FoundMaps merged = WithInstalled(bad, installed);
-  EXPECT_EQ(merged.From, "") << "a named set that fails is said, not replaced";
-  EXPECT_EQ(merged.TwoFrom, "/installed.grf") << "the maps of two colours are looked for on";
+  EXPECT_FALSE(WithInstalled(bad, installed).Found) << "a named set that fails is said";
+  EXPECT_TRUE(WithInstalled(bad, installed).TwoFound) << "two colours are looked for on";
   EXPECT_TRUE(SearchInstalled(NearMaps(none->File, none->Reading, "")));
 
   // A company colour without maps draws without it; with them, through the colour's map; with a

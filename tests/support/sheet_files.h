@@ -41,23 +41,20 @@ inline grfw::Bytes DosVersion1(bool pairs = false) {
     records.push_back(grfw::PlainSprite(s.W, s.H, Indices(size_t{s.W} * s.H, k), -1, 2));
   }
   while (records.size() < 775) records.push_back(grfw::ActionRecord({0x0C, 'x'}));
-  for (int c = 0; c < 16; ++c) {
-    grfw::Bytes map(257);
-    for (int i = 0; i < 256; ++i) map[size_t(i) + 1] = static_cast<uint8_t>(i);
-    for (int i = 0; i < 8; ++i) map[size_t(0xC6 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * c + i);
-    records.push_back(grfw::ActionRecord(map));
-  }
+  // Colour `first` on the first range, `second` (unless -1) on the second.
+  const auto map = [](int first, int second) {
+    grfw::Bytes m(257);
+    for (int i = 0; i < 256; ++i) m[size_t(i) + 1] = static_cast<uint8_t>(i);
+    for (int i = 0; i < 8; ++i) {
+      m[size_t(0xC6 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * first + i);
+      if (second >= 0) m[size_t(0x50 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * second + i);
+    }
+    return grfw::ActionRecord(m);
+  };
+  for (int c = 0; c < 16; ++c) records.push_back(map(c, -1));
   if (pairs) {
     records.push_back(grfw::ActionRecord({0x05, 0x0A, 0xFF, 0x00, 0x01}));
-    for (int k = 0; k < 256; ++k) {
-      grfw::Bytes map(257);
-      for (int i = 0; i < 256; ++i) map[size_t(i) + 1] = static_cast<uint8_t>(i);
-      for (int i = 0; i < 8; ++i) {
-        map[size_t(0xC6 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * (k % 16) + i);
-        map[size_t(0x50 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * (k / 16) + i);
-      }
-      records.push_back(grfw::ActionRecord(map));
-    }
+    for (int k = 0; k < 256; ++k) records.push_back(map(k % 16, k / 16));
     grfw::Bytes pixels(16 * 8);
     for (size_t i = 0; i < pixels.size(); ++i)
       pixels[i] = static_cast<uint8_t>(i % 3 == 0 ? 0x50 + i % 8 : i % 3 == 1 ? 0xC6 + i % 8 : i);

@@ -1,7 +1,6 @@
 // The colours the game draws in, in the window: every choice of palette, company colour and
-// transparency on a file of each container, against the CLI's PNG for the same choices; two
-// company colours, by the window's menus and by the CLI; and sprites of different sizes kept in
-// register at the origin.
+// transparency on a file of each container, and of two company colours, against the CLI's PNG for
+// the same choices; and sprites of different sizes kept in register at the origin.
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -132,11 +131,6 @@ TEST(Colours, TwoCompanyColoursDrawAsTheCliThroughThePairsMap) {
     EXPECT_EQ(form->picSprite->Image(), AsTheWindowPaints(*form, png)) << first << " " << second;
     EXPECT_NE(form->picSprite->Image(), plain) << first << " " << second;
   }
-  // Red on yellow is not yellow on red: the pair is ordered.
-  Choose(*form, red, yellow);
-  const QImage redYellow = form->picSprite->Image();
-  Choose(*form, yellow, red);
-  EXPECT_NE(form->picSprite->Image(), redYellow);
 }
 
 // The real ship set advertises two company colours; its second range was drawn green as stored.
@@ -155,7 +149,6 @@ TEST(Colours, TheShipSetsSecondColourIsNoLongerGreen) {
             blue = static_cast<int>(CompanyColour::Blue);
   const QImage stored = CliSprite(path, sprite, -1, -1, grfw::WriteTemp("ship-stored.png", {}));
   const QImage second = CliSprite(path, sprite, -1, red, grfw::WriteTemp("ship-second.png", {}));
-  ASSERT_EQ(second.format(), QImage::Format_Indexed8);
   ASSERT_EQ(second.size(), stored.size());
   int inSecond = 0, wrong = 0;
   for (int y = 0; y < stored.height(); ++y) {
