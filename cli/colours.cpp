@@ -26,7 +26,7 @@ bool FindMaps(const GrfFile& file, const FileReading& reading,
     FileError(path, maps.Problem);
     return false;
   }
-  if (SearchInstalled(maps)) maps = WithInstalled(std::move(maps), InstalledMaps());
+  if (SearchInstalled(maps, two)) maps = WithInstalled(std::move(maps), InstalledMaps(two));
   if (!maps.Found) {
     std::fprintf(stderr, "vossel-cli: %s; give --base-set FILE\n", kMsgNoCompanyMaps);
     return false;

@@ -31,12 +31,12 @@ FoundMaps NearMaps(const GrfFile& file, const FileReading& reading, const std::s
   return found;
 }
 
-FoundMaps InstalledMaps() {
+FoundMaps InstalledMaps(bool two) {
   FoundMaps found;
   const std::vector<InstalledBaseSet> sets = FindInstalledBaseSets();
   found.From = FindInstalledCompanyMaps(sets, found.Maps);
   found.Found = !found.From.empty();
-  found.TwoFrom = FindInstalledTwoColourMaps(sets, found.Two);
+  if (two) found.TwoFrom = FindInstalledTwoColourMaps(sets, found.Two);
   found.TwoFound = !found.TwoFrom.empty();
   return found;
 }

@@ -37,12 +37,12 @@ struct FoundMaps {
 // file itself (its sprites 775 to 790; its Action 05 of type 0A). `Found` false with no problem, or
 // `TwoFound` false: the installed base sets are the last place to look.
 FoundMaps NearMaps(const GrfFile& file, const FileReading& reading, const std::string& named);
-// The maps of the first installed base sets that hold them. It reads the installed sets, so the
-// window runs it off its thread, once.
-FoundMaps InstalledMaps();
+// The maps of the first installed base sets that hold them; those of two colours unless `two` is
+// false. It reads the installed sets, so the window runs it off its thread, once.
+FoundMaps InstalledMaps(bool two = true);
 // Whether the installed base sets are still to be searched after NearMaps.
-inline bool SearchInstalled(const FoundMaps& near) {
-  return (!near.Found && near.Problem.empty()) || !near.TwoFound;
+inline bool SearchInstalled(const FoundMaps& near, bool two = true) {
+  return (!near.Found && near.Problem.empty()) || (two && !near.TwoFound);
 }
 // `near` with what it lacks taken from `installed`.
 FoundMaps WithInstalled(FoundMaps near, const FoundMaps& installed);

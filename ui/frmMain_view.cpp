@@ -235,7 +235,7 @@ FoundMaps Waited(const QFuture<FoundMaps>& search) {
 
 void frmMain::StartMapsSearch() {
   // The installed base sets do not change with the file: one search serves every load.
-  if (!mapsSearch_.isValid()) mapsSearch_ = QtConcurrent::run(InstalledMaps);
+  if (!mapsSearch_.isValid()) mapsSearch_ = QtConcurrent::run([] { return InstalledMaps(); });
 }
 
 void frmMain::TakeFileColours() {
