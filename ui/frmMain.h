@@ -112,7 +112,8 @@ class frmMain : public QMainWindow {
     // The palette: until the user chooses, the one the file is drawn in by default.
     PaletteChoiceKind Palette = PaletteChoiceKind::Windows;
     bool PaletteChosen = false;
-    int32_t Company = -1;  // a company colour, or -1 for none
+    int32_t Company = -1;   // a company colour, or -1 for none
+    int32_t Company2 = -1;  // the second company colour, likewise
     bool Transparent = false;
     bool Origin = false;
     QPoint Pan;  // how far the picture (or the origin) has been dragged
@@ -172,6 +173,8 @@ class frmMain : public QMainWindow {
   QAction* mnuPaletteDeclared;
   QMenu* mnuCompany;
   std::array<QAction*, kCompanyColourCount + 1> mnuCompanyColour;  // None, then the colours
+  QMenu* mnuCompany2;
+  std::array<QAction*, kCompanyColourCount + 1> mnuCompany2Colour;  // likewise
   QAction* mnuTransparent;
   QAction* mnuAlignOrigin;
   QAction* mnuLine5;
@@ -220,6 +223,7 @@ class frmMain : public QMainWindow {
   void mnuDetails_Click();
   void mnuPalette_Click(PaletteChoiceKind kind);
   void mnuCompany_Click(int32_t colour);
+  void mnuCompany2_Click(int32_t colour);
   void mnuTransparent_Click();
   void mnuAlignOrigin_Click();
   void mnuFollow_Click();
@@ -273,8 +277,9 @@ class frmMain : public QMainWindow {
   // Dragging pans, the wheel steps through sprites, Ctrl+wheel magnifies.
   bool eventFilter(QObject* watched, QEvent* event) override;
   PaletteDeclaration Declared;
-  // The company colour maps: the file's own, else what the search of the installed base sets
-  // found. The search runs once a window, off its thread; later loads take its result at once.
+  // The company colour maps, of one colour and of two: the file's own, else what the search of
+  // the installed base sets found. The search runs once a window, off its thread; later loads take
+  // its result at once.
   FoundMaps Maps;
   QFuture<FoundMaps> mapsSearch_;
   // How the view draws, resolved again when View's choices change. The palette in use is also
