@@ -5,6 +5,8 @@
 #include <iterator>
 #include <utility>
 
+#include "companymaps.h"
+
 namespace vossel {
 namespace {
 
@@ -312,16 +314,15 @@ void CheckIdentity(const FileReading& reading, std::vector<Finding>& out) {
   }
 }
 
-// Two-company-colour maps: map k is the pair (k mod 16, k div 16), so there are 256 of them.
-constexpr int64_t kTwoColourMaps = 256;
-
 void CheckRecolourCounts(const FileReading& reading, std::vector<Finding>& out) {
   for (const ActionRecord& a : reading.Actions.Actions) {
     if (a.IsSpriteCount || a.Action != 0x05 || IsCut(a) || (a.Type & 0x7F) != 0x0A) continue;
     const int64_t offset = a.HasOffset ? int64_t{a.First} : 0;
-    if (a.HasOffset ? offset + a.Count <= kTwoColourMaps : a.Count == kTwoColourMaps) continue;
+    if (a.HasOffset ? offset + a.Count <= kTwoColourMapCount
+                    : a.Count == int64_t{kTwoColourMapCount})
+      continue;
     Finding f = Make(CheckCode::RecolourCount, a.Sprite, a.Count, a.HasOffset ? offset : -1,
-                     kTwoColourMaps);
+                     int64_t{kTwoColourMapCount});
     f.Action = 0x05;
     out.push_back(f);
   }
