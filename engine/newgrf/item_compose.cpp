@@ -1,6 +1,6 @@
 // Following an item's graphics to what it draws, and the parts of a sprite layout with the bits of
 // their sprite words worked out.
-#include "compose.h"
+#include "item_compose.h"
 
 #include <optional>
 

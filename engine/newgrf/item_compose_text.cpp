@@ -1,7 +1,7 @@
 // The sentences of a composition: branch points, their choices and where the way ended.
 #include <string>
 
-#include "compose.h"
+#include "item_compose.h"
 
 namespace vossel {
 

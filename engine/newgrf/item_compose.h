@@ -1,7 +1,7 @@
 // What an item draws for one request: the Action 03 entry, the loaded or loading state and a pick
 // at each random or variational group lead to a sprite set (a vehicle's views), a sprite layout
 // (the parts of a tile) or a callback result. Standard library only; records come out, sentences
-// are made in compose_text.cpp.
+// are made in item_compose_text.cpp.
 #pragma once
 
 #include <array>
@@ -117,7 +117,7 @@ Composition Compose(const GrfItems& items, const Item& item, const ComposeReques
 // then clockwise. The order is inferred, not confirmed: every label says so.
 const char* ViewDirection(int32_t view);
 
-// --- Texts (compose_text.cpp) ---------------------------------------------------------------------
+// --- Texts (item_compose_text.cpp) ---------------------------------------------------------------------
 
 // "random 1 of 4", "0-3", "5", "default", "loaded set 2 of 3".
 std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_t pick);
