@@ -223,7 +223,7 @@ ComposedPicture DrawViews(const GrfFile& file, const Composition& c, const Look&
     PaintDiamond(p, origin + north, eighths);
     const std::string text =
         options.SharedOrigin ? std::to_string(ready.size())
-                             : std::to_string(i) + ViewDirection(i) + (c.Views.size() > 1 ? "?" : "");
+                             : std::to_string(i) + " " + ViewDirection(i) + "?";
     PaintText(p, text,
               QPoint(i * cell.width() + (cell.width() - TextWidth(text, glyph)) / 2,
                      cell.height() + 2 * glyph),

@@ -4,6 +4,14 @@
 #include "item_compose.h"
 
 namespace vossel {
+namespace {
+
+std::string HexByte(uint32_t v) {
+  const char* digits = "0123456789ABCDEF";
+  return {digits[(v >> 4) & 15], digits[v & 15]};
+}
+
+}  // namespace
 
 std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_t pick) {
   const SpriteGroup& g = items.Groups[static_cast<size_t>(b.Group)];
@@ -24,7 +32,16 @@ std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_
 
 std::string BranchText(const GrfItems& items, const BranchPoint& b) {
   const SpriteGroup& g = items.Groups[static_cast<size_t>(b.Group)];
-  return GroupText(g);
+  const std::string id = "group " + HexByte(g.Id) + " (sprite " + std::to_string(g.Sprite + 1) + ")";
+  switch (b.Kind) {
+    case BranchKind::Random: return "random " + id;
+    case BranchKind::Amount: return "standard " + id;
+    case BranchKind::Variational: break;
+  }
+  std::string out = "switch " + id;
+  if (!g.Adjusts.empty()) out += " on " + AdjustText(g.Adjusts.front(), g.Feature);
+  if (g.Adjusts.size() > 1) out += " ...";
+  return out;
 }
 
 const char* PartRoleWord(PartRole role) {
