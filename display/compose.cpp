@@ -20,6 +20,10 @@ constexpr QRgb kOutlineColour = 0xFFE00000;
 constexpr QRgb kTextColour = 0xFF404040;
 constexpr int32_t kMissingSide = 16;  // an outline's side at normal zoom
 constexpr int32_t kMargin = 4;
+// No composition is larger than this across or down, nor a view's cell, whatever offsets a file
+// gives; what lies further out is cut.
+constexpr int32_t kMaxSide = 8192;
+constexpr int32_t kMaxCell = 2048;
 
 // Digits, the four compass letters, '?' and '#', five rows of three bits, drawn from rectangles
 // so that every machine gives the same pixels.
@@ -124,6 +128,10 @@ Ready Prepare(const GrfFile* file, SpriteSource source, int32_t sprite, const Lo
   if (own != eighths) {
     const int32_t w = std::max(1, pixels.width() * eighths / own);
     const int32_t h = std::max(1, pixels.height() * eighths / own);
+    if (w > kMaxSide || h > kMaxSide) {
+      r.Placed.Problem = "too large to scale";
+      return r;
+    }
     pixels = pixels.scaled(w, h, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     x = FloorDiv(int64_t{x} * eighths, own);
     y = FloorDiv(int64_t{y} * eighths, own);
@@ -212,9 +220,14 @@ ComposedPicture DrawViews(const GrfFile& file, const Composition& c, const Look&
   const QPoint north = -Project(8, 8, 0, eighths);
   const std::array<QPoint, 4> d = Diamond(north, eighths);
   QRect cell = QRect(d[3].x(), d[0].y(), d[1].x() - d[3].x() + 1, d[2].y() - d[0].y() + 1);
-  cell = BoundsOf(ready, cell).adjusted(-kMargin, -kMargin, kMargin, kMargin);
+  cell = BoundsOf(ready, cell).adjusted(-kMargin, -kMargin, kMargin, kMargin) &
+         QRect(-kMaxCell / 2, -kMaxCell / 2, kMaxCell, kMaxCell);
   const int32_t label = (kGlyphHeight + 4) * glyph;
-  const int32_t cells = options.SharedOrigin || ready.empty() ? 1 : static_cast<int32_t>(ready.size());
+  // A set of many sprites shows as many as fit a picture of twice the largest side.
+  if (!options.SharedOrigin)
+    ready.resize(std::min<size_t>(ready.size(), static_cast<size_t>(2 * kMaxSide / cell.width())));
+  const int32_t cells =
+      options.SharedOrigin || ready.empty() ? 1 : static_cast<int32_t>(ready.size());
   out.Image = QImage(cells * cell.width(), cell.height() + label, QImage::Format_RGB32);
   out.Image.fill(kBackground);
   QPainter p(&out.Image);
@@ -299,7 +312,8 @@ ComposedPicture DrawLayout(const GrfFile& file, const Composition& c, const Look
         bounds |= QRect(Project(part.X + part.XExtent, part.Y, part.Z + part.ZExtent, eighths),
                         Project(part.X, part.Y + part.YExtent, part.Z, eighths))
                       .normalized();
-  bounds = bounds.adjusted(-kMargin, -kMargin, kMargin, kMargin);
+  bounds = bounds.adjusted(-kMargin, -kMargin, kMargin, kMargin) &
+           QRect(-kMaxSide / 2, -kMaxSide / 2, kMaxSide, kMaxSide);
   out.Image = QImage(bounds.size(), QImage::Format_RGB32);
   out.Image.fill(kBackground);
   out.Origin = -bounds.topLeft();
