@@ -37,16 +37,14 @@ void Check(const GrfFile& file, const BaseSprites& base, const GrfItems& items,
   if (p.Image.width() > 20000 || p.Image.height() > 20000) std::abort();
 }
 
-}  // namespace
-
-}  // namespace
-
 // The file each input is written to, removed when the process ends.
 struct TempFile {
   std::string Path =
       std::string(P_tmpdir) + "/vossel-fuzz-compose-" + std::to_string(getpid()) + ".grf";
   ~TempFile() { std::remove(Path.c_str()); }
 };
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const TempFile temp;
