@@ -277,6 +277,7 @@ int CmdView(const std::vector<std::string>& args) {
               (b.Picked < 0 ? std::string("default") : std::to_string(b.Picked + 1)) + " (" +
               BranchChoiceText(items, b, b.Picked) + ") of " + BranchText(items, b) + "\n";
     }
+    if (c.FellBack) text += "  the item has no entry for the request; its default is drawn\n";
     if (c.VariablesAssumed)
       text += "  game variables read as 0 where the way computes a value\n";
     if (c.RegistersUnknown) text += "  a register nothing filled is taken as 0\n";
