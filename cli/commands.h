@@ -38,10 +38,10 @@ void FileError(const std::string& fileName, const std::string& text);
 // parsed by QCommandLineParser.
 struct CommandArgs {
   std::vector<std::string> Positional;
-  std::map<std::string, std::string> Values;  // by option name, without dashes
+  std::map<std::string, std::string> Values;              // by option name, without dashes
   std::map<std::string, std::vector<std::string>> Lists;  // repeatable options, in order
-  std::string Error;                          // why the usage is wrong; empty when it is right
-  bool TooFew = false;                        // fewer than `count` arguments
+  std::string Error;    // why the usage is wrong; empty when it is right
+  bool TooFew = false;  // fewer than `count` arguments
 };
 // `flags` are options without a value; a flag that is set stands in Values with an empty value.
 // `repeated` options may come more than once; their values stand in Lists.

@@ -80,13 +80,12 @@ QJsonValue PickJson(int32_t pick) {
 QJsonObject BranchJson(const GrfItems& items, const BranchPoint& b) {
   const SpriteGroup& g = items.Groups[static_cast<size_t>(b.Group)];
   QJsonObject o = SpriteKeys(g.Sprite);
-  static const char* const kKinds[] = {"random", "variational", "amount"};
+  static const char* const kKinds[] = {"random", "variational", "amount", "setSprite"};
   o.insert("kind", kKinds[static_cast<int>(b.Kind)]);
   o.insert("text", Q(BranchText(items, b)));
   QJsonArray choices;
   for (int32_t i = 0; i < b.Choices; ++i)
-    choices.append(
-        QJsonObject{{"pick", PickJson(i)}, {"text", Q(BranchChoiceText(items, b, i))}});
+    choices.append(QJsonObject{{"pick", PickJson(i)}, {"text", Q(BranchChoiceText(items, b, i))}});
   if (b.Kind == BranchKind::Variational)
     choices.append(QJsonObject{{"pick", "default"}, {"text", "default"}});
   o.insert("choices", choices);
@@ -226,8 +225,7 @@ int CmdView(const std::vector<std::string>& args) {
   if (c.End == ComposeEnd::Layout) {
     const auto named = parsed.Values.find("base-set");
     base = OpenBaseSprites(named != parsed.Values.end() ? named->second : std::string());
-    if (!base.Open)
-      FileError(fileName, "no base set found; base sprites are drawn as outlines");
+    if (!base.Open) FileError(fileName, "no base set found; base sprites are drawn as outlines");
   }
   if (c.End != ComposeEnd::Layout && c.End != ComposeEnd::Views && c.End != ComposeEnd::Set) {
     FileError(fileName, ComposeEndText(items, c) + "; no picture written");
@@ -246,9 +244,9 @@ int CmdView(const std::vector<std::string>& args) {
     doc.insert("file", Q(fileName));
     doc.insert("feature", it.Feature);
     doc.insert("id", static_cast<qint64>(it.Id));
-    doc.insert("entry", c.Entry >= 0 ? Q(EntryText(it.Graphics[static_cast<size_t>(c.Entry)],
-                                                   it.Feature))
-                                     : QString());
+    doc.insert("entry", c.Entry >= 0
+                            ? Q(EntryText(it.Graphics[static_cast<size_t>(c.Entry)], it.Feature))
+                            : QString());
     doc.insert("fellBack", c.FellBack);
     doc.insert("end", Q(ComposeEndText(items, c)));
     doc.insert("width", picture.Image.width());
@@ -278,8 +276,7 @@ int CmdView(const std::vector<std::string>& args) {
               BranchChoiceText(items, b, b.Picked) + ") of " + BranchText(items, b) + "\n";
     }
     if (c.FellBack) text += "  the item has no entry for the request; its default is drawn\n";
-    if (c.VariablesAssumed)
-      text += "  game variables read as 0 where the way computes a value\n";
+    if (c.VariablesAssumed) text += "  game variables read as 0 where the way computes a value\n";
     if (c.RegistersUnknown) text += "  a register nothing filled is taken as 0\n";
     for (const PlacedSprite& s : picture.Sprites)
       if (s.Outline)

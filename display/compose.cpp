@@ -31,10 +31,10 @@ constexpr int32_t kGlyphWidth = 3;
 constexpr int32_t kGlyphHeight = 5;
 constexpr char kGlyphChars[] = "0123456789NESW?#";
 constexpr uint8_t kGlyphs[16][kGlyphHeight] = {
-    {7, 5, 5, 5, 7}, {2, 6, 2, 2, 7}, {7, 1, 7, 4, 7}, {7, 1, 3, 1, 7}, {5, 5, 7, 1, 1},
-    {7, 4, 7, 1, 7}, {7, 4, 7, 5, 7}, {7, 1, 1, 2, 2}, {7, 5, 7, 5, 7}, {7, 5, 7, 1, 7},
-    {5, 7, 7, 7, 5}, {7, 4, 6, 4, 7}, {3, 4, 2, 1, 6}, {5, 5, 7, 7, 5}, {6, 1, 2, 0, 2},
-    {5, 7, 5, 7, 5}};
+    {7, 5, 5, 5, 7}, {2, 6, 2, 2, 7}, {7, 1, 7, 4, 7}, {7, 1, 3, 1, 7},
+    {5, 5, 7, 1, 1}, {7, 4, 7, 1, 7}, {7, 4, 7, 5, 7}, {7, 1, 1, 2, 2},
+    {7, 5, 7, 5, 7}, {7, 5, 7, 1, 7}, {5, 7, 7, 7, 5}, {7, 4, 6, 4, 7},
+    {3, 4, 2, 1, 6}, {5, 5, 7, 7, 5}, {6, 1, 2, 0, 2}, {5, 7, 5, 7, 5}};
 
 int32_t TextWidth(const std::string& text, int32_t glyph) {
   const auto n = static_cast<int32_t>(text.size());
@@ -80,8 +80,8 @@ bool BaseRecolour(const BaseSprites* base, int32_t n, RecolourMap& map) {
 }
 
 int32_t PickAlternative(const GrfFile& file, int32_t sprite, const Look& look) {
-  for (const auto& [zoom, depth] : {std::pair{look.Zoom, look.Depth}, std::pair{look.Zoom, 0},
-                                    std::pair{-1, look.Depth}})
+  for (const auto& [zoom, depth] :
+       {std::pair{look.Zoom, look.Depth}, std::pair{look.Zoom, 0}, std::pair{-1, look.Depth}})
     if (zoom >= 0 || depth != 0)
       if (const int32_t a = FindAlternative(file, sprite, zoom, depth); a >= 0) return a;
   return DefaultAlternative(file, sprite);
@@ -112,11 +112,11 @@ Ready Prepare(const GrfFile* file, SpriteSource source, int32_t sprite, const Lo
   }
   const int32_t alternative = PickAlternative(*file, sprite, look);
   SpritePicture picture;
-  const GrfResult read = alternative < 0 ? GrfResult::Ok : PictureOf(*file, sprite, alternative,
-                                                                     picture);
+  const GrfResult read =
+      alternative < 0 ? GrfResult::Ok : PictureOf(*file, sprite, alternative, picture);
   if (alternative < 0 || read != GrfResult::Ok || picture.Width <= 0 || picture.Height <= 0) {
-    r.Placed.Problem = alternative < 0 ? "not a picture"
-                                       : PictureProblem(*file, sprite, alternative, read);
+    r.Placed.Problem =
+        alternative < 0 ? "not a picture" : PictureProblem(*file, sprite, alternative, read);
     return r;
   }
   const int32_t own = ZoomEighths(AlternativeOf(*file, sprite, alternative).Zoom);
@@ -175,10 +175,9 @@ void PaintDiamond(QPainter& p, QPoint north, int32_t eighths) {
 void PaintBox(QPainter& p, QPoint north, const ComposedPart& part, int32_t eighths) {
   std::array<QPoint, 8> c;
   for (int i = 0; i < 8; ++i)
-    c[static_cast<size_t>(i)] =
-        north + Project(part.X + ((i & 1) ? part.XExtent : 0),
-                        part.Y + ((i & 2) ? part.YExtent : 0),
-                        part.Z + ((i & 4) ? part.ZExtent : 0), eighths);
+    c[static_cast<size_t>(i)] = north + Project(part.X + ((i & 1) ? part.XExtent : 0),
+                                                part.Y + ((i & 2) ? part.YExtent : 0),
+                                                part.Z + ((i & 4) ? part.ZExtent : 0), eighths);
   p.setPen(QPen(QColor::fromRgb(kBoxColour), 1));
   for (int i = 0; i < 8; ++i)
     for (int bit : {1, 2, 4})
@@ -234,9 +233,9 @@ ComposedPicture DrawViews(const GrfFile& file, const Composition& c, const Look&
   for (int32_t i = 0; i < cells; ++i) {
     const QPoint origin(i * cell.width() - cell.left(), -cell.top());
     PaintDiamond(p, origin + north, eighths);
-    const std::string text =
-        options.SharedOrigin ? std::to_string(ready.size())
-                             : std::to_string(i) + " " + ViewDirection(i) + "?";
+    const std::string text = options.SharedOrigin
+                                 ? std::to_string(ready.size())
+                                 : std::to_string(i) + " " + ViewDirection(i) + "?";
     PaintText(p, text,
               QPoint(i * cell.width() + (cell.width() - TextWidth(text, glyph)) / 2,
                      cell.height() + 2 * glyph),
@@ -340,7 +339,8 @@ BaseSprites OpenBaseSprites(const std::string& path) {
   BaseSprites base;
   const MessageFn quiet = [](const std::string&) {};
   std::vector<std::string> paths;
-  if (!path.empty()) paths.push_back(path);
+  if (!path.empty())
+    paths.push_back(path);
   else
     for (const InstalledBaseSet& set : FindInstalledBaseSets())
       if (!set.BasePath.empty()) paths.push_back(set.BasePath);
@@ -357,12 +357,18 @@ BaseSprites OpenBaseSprites(const std::string& path) {
 
 int32_t ZoomEighths(int32_t zoom) {
   switch (zoom) {
-    case kZoomIn4: return 32;
-    case kZoomIn2: return 16;
-    case kZoomOut2: return 4;
-    case kZoomOut4: return 2;
-    case kZoomOut8: return 1;
-    default: return 8;
+    case kZoomIn4:
+      return 32;
+    case kZoomIn2:
+      return 16;
+    case kZoomOut2:
+      return 4;
+    case kZoomOut4:
+      return 2;
+    case kZoomOut8:
+      return 1;
+    default:
+      return 8;
   }
 }
 

@@ -11,8 +11,8 @@
 #include <QPoint>
 #include <QRect>
 
-#include "item_compose.h"
 #include "grffile.h"
+#include "item_compose.h"
 #include "look.h"
 
 namespace vossel {
@@ -36,10 +36,10 @@ struct ComposeOptions {
 // One sprite as placed in the picture.
 struct PlacedSprite {
   SpriteSource Source = SpriteSource::File;
-  int32_t Sprite = 0;  // from 0, in the file or the base file
-  int32_t Part = -1;   // the layout part, or the view
-  QRect Rect;          // its pixels in the picture
-  QPoint Origin;       // where its offsets count from
+  int32_t Sprite = 0;    // from 0, in the file or the base file
+  int32_t Part = -1;     // the layout part, or the view
+  QRect Rect;            // its pixels in the picture
+  QPoint Origin;         // where its offsets count from
   bool Outline = false;  // it could not be had: drawn as a marked outline
   std::string Problem;   // why, for an outline
 };

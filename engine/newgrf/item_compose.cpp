@@ -2,6 +2,7 @@
 // their sprite words worked out.
 #include "item_compose.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace vossel {
@@ -46,32 +47,49 @@ std::optional<uint32_t> Adjusted(Walk& w, const VarAdjust& a, uint32_t sizeMask)
 std::optional<uint32_t> Operate(Walk& w, uint8_t op, uint32_t a, uint32_t b) {
   const auto sa = static_cast<int32_t>(a), sb = static_cast<int32_t>(b);
   switch (op) {
-    case 0x00: return a + b;
-    case 0x01: return a - b;
-    case 0x02: return static_cast<uint32_t>(sa < sb ? sa : sb);
-    case 0x03: return static_cast<uint32_t>(sa > sb ? sa : sb);
-    case 0x04: return a < b ? a : b;
+    case 0x00:
+      return a + b;
+    case 0x01:
+      return a - b;
+    case 0x02:
+      return static_cast<uint32_t>(sa < sb ? sa : sb);
+    case 0x03:
+      return static_cast<uint32_t>(sa > sb ? sa : sb);
+    case 0x04:
+      return a < b ? a : b;
     case 0x06:
       if (sb == 0 || (sa == INT32_MIN && sb == -1)) return 0u;
       return static_cast<uint32_t>(sa / sb);
     case 0x07:
       if (sb == 0 || (sa == INT32_MIN && sb == -1)) return 0u;
       return static_cast<uint32_t>(sa % sb);
-    case 0x0A: return a * b;
-    case 0x0B: return a & b;
-    case 0x0C: return a | b;
-    case 0x0D: return a ^ b;
+    case 0x0A:
+      return a * b;
+    case 0x0B:
+      return a & b;
+    case 0x0C:
+      return a | b;
+    case 0x0D:
+      return a ^ b;
     case 0x0E:
       w.Temp[b & 0xFF] = a;
       return a;
-    case 0x0F: return b;
-    case 0x10: return a;  // persistent registers are not kept
-    case 0x11: return (a >> (b & 31)) | (a << ((32 - (b & 31)) & 31));
-    case 0x12: return sa < sb ? 0u : sa == sb ? 1u : 2u;
-    case 0x14: return (b & 31) == b ? a << b : 0u;
-    case 0x15: return (b & 31) == b ? a >> b : 0u;
-    case 0x16: return static_cast<uint32_t>(sa >> (b & 31));
-    default: return std::nullopt;
+    case 0x0F:
+      return b;
+    case 0x10:
+      return a;  // persistent registers are not kept
+    case 0x11:
+      return (a >> (b & 31)) | (a << ((32 - (b & 31)) & 31));
+    case 0x12:
+      return sa < sb ? 0u : sa == sb ? 1u : 2u;
+    case 0x14:
+      return (b & 31) == b ? a << b : 0u;
+    case 0x15:
+      return (b & 31) == b ? a >> b : 0u;
+    case 0x16:
+      return static_cast<uint32_t>(sa >> (b & 31));
+    default:
+      return std::nullopt;
   }
 }
 
@@ -99,9 +117,8 @@ std::optional<uint32_t> Evaluate(Walk& w, const SpriteGroup& g) {
 const GraphicsEntry* FindEntry(const Item& item, const ComposeRequest& r, int32_t& index) {
   for (size_t i = 0; i < item.Graphics.size(); ++i) {
     const GraphicsEntry& e = item.Graphics[i];
-    const bool fits = r.Entry == EntryKind::Cargo
-                          ? e.Kind == EntryKind::Cargo && e.Cargo == r.Cargo
-                          : e.Kind == r.Entry;
+    const bool fits = r.Entry == EntryKind::Cargo ? e.Kind == EntryKind::Cargo && e.Cargo == r.Cargo
+                                                  : e.Kind == r.Entry;
     if (fits) {
       index = static_cast<int32_t>(i);
       return &e;
@@ -123,7 +140,8 @@ std::array<int32_t, 8> RegisterSlots(const LayoutSprite& s) {
   return slots;
 }
 
-ComposedPart MakePart(Walk& w, const LayoutSprite& s, int32_t index, bool& unknown) {
+ComposedPart MakePart(Walk& w, const LayoutSprite& s, int32_t index, uint32_t within,
+                      bool& unknown) {
   ComposedPart p;
   p.Role = index < 0 ? PartRole::Ground : s.Child ? PartRole::Child : PartRole::Building;
   p.Index = index;
@@ -141,7 +159,7 @@ ComposedPart MakePart(Walk& w, const LayoutSprite& s, int32_t index, bool& unkno
     return v.value_or(0);
   };
   if (slots[0] >= 0) p.Hidden = reg(0) == 0;
-  const uint32_t add = slots[1] >= 0 ? reg(1) : 0;
+  const uint32_t add = (slots[1] >= 0 ? reg(1) : 0) + ((s.Word & 0x80000000u) ? within : 0);
   const uint32_t number = s.Word & 0x3FFF;
   if (s.Word & 0x80000000u) {
     if (s.Set >= 0 && static_cast<size_t>(s.Set) < w.Items.Sets.size()) {
@@ -157,11 +175,11 @@ ComposedPart MakePart(Walk& w, const LayoutSprite& s, int32_t index, bool& unkno
     p.Source = SpriteSource::Base;
     p.Sprite = static_cast<int32_t>((number + add) & 0x3FFFFFFF);
   }
-  p.Mode = (s.Word & 0x4000) ? RecolourMode::Transparent
+  p.Mode = (s.Word & 0x4000)   ? RecolourMode::Transparent
            : (s.Word & 0x8000) ? RecolourMode::Remap
                                : RecolourMode::None;
-  p.Recolour = static_cast<int32_t>((((s.Word >> 16) & 0x3FFF) + (slots[2] >= 0 ? reg(2) : 0)) &
-                                    0x3FFFFFFF);
+  p.Recolour =
+      static_cast<int32_t>((((s.Word >> 16) & 0x3FFF) + (slots[2] >= 0 ? reg(2) : 0)) & 0x3FFFFFFF);
   // A recolour sprite of the file's sets: which set it names is not kept with the layout.
   p.RecolourFrom = (s.Flags & 0x0008) ? SpriteSource::None : SpriteSource::Base;
   p.AlwaysDraw = (s.Word & 0x40000000u) != 0;
@@ -180,11 +198,23 @@ ComposedPart MakePart(Walk& w, const LayoutSprite& s, int32_t index, bool& unkno
   return p;
 }
 
-void LayoutParts(Walk& w, const SpriteGroup& g, Composition& c) {
-  c.Parts.push_back(MakePart(w, g.Ground, -1, c.RegistersUnknown));
+// The most sprites any set of the layout holds.
+uint32_t LargestSet(const GrfItems& items, const SpriteGroup& g) {
+  uint32_t most = 0;
+  const auto count = [&](const LayoutSprite& s) {
+    if ((s.Word & 0x80000000u) && s.Set >= 0 && static_cast<size_t>(s.Set) < items.Sets.size())
+      most = std::max(most, items.Sets[static_cast<size_t>(s.Set)].Count);
+  };
+  count(g.Ground);
+  for (const LayoutSprite& s : g.Sprites) count(s);
+  return most;
+}
+
+void LayoutParts(Walk& w, const SpriteGroup& g, uint32_t within, Composition& c) {
+  c.Parts.push_back(MakePart(w, g.Ground, -1, within, c.RegistersUnknown));
   int32_t parent = -1;
   for (size_t i = 0; i < g.Sprites.size(); ++i) {
-    ComposedPart p = MakePart(w, g.Sprites[i], static_cast<int32_t>(i), c.RegistersUnknown);
+    ComposedPart p = MakePart(w, g.Sprites[i], static_cast<int32_t>(i), within, c.RegistersUnknown);
     if (p.Role == PartRole::Child)
       p.Parent = parent;
     else
@@ -284,7 +314,17 @@ Composition Compose(const GrfItems& items, const Item& item, const ComposeReques
     c.Group = ref.Group;
     if (g.Kind == GroupKind::Layout) {
       c.End = ComposeEnd::Layout;
-      LayoutParts(w, g, c);
+      // Which sprite of its sets a layout draws the game decides from the tile's state; it is
+      // the user's to pick here.
+      const uint32_t most = LargestSet(items, g);
+      if (most > 1) {
+        b.Kind = BranchKind::SetSprite;
+        b.Choices = static_cast<int32_t>(std::min<uint32_t>(most, 1u << 16));
+        b.Picked = PickFor(request, g, 0);
+        if (b.Picked < 0 || b.Picked >= b.Choices) b.Picked = 0;
+        c.Branches.push_back(b);
+      }
+      LayoutParts(w, g, static_cast<uint32_t>(b.Picked), c);
       break;
     }
     if (g.Kind != GroupKind::Standard) {

@@ -31,6 +31,7 @@ enum class BranchKind : uint8_t {
   Random,       // Choices: "random k of N"
   Variational,  // Ranges named by their values, and the default (-1)
   Amount,       // a standard group's loaded or loading sets, by amount
+  SetSprite,    // a layout: which sprite of each set it names (sets of several sprites)
 };
 
 // A group met on the way that could have gone another way.
@@ -78,7 +79,7 @@ struct ComposedPart {
   SpriteSource RecolourFrom = SpriteSource::Base;
   int32_t Recolour = 0;  // 0 with Remap: the company colour
   bool AlwaysDraw = false;
-  bool Hidden = false;  // advanced flag 0 with a register holding 0
+  bool Hidden = false;          // advanced flag 0 with a register holding 0
   int32_t X = 0, Y = 0, Z = 0;  // box offset; a child's pixel offset in X, Y
   int32_t XExtent = 0, YExtent = 0, ZExtent = 0;
   int32_t Parent = -1;        // a child's parent: an index into Composition::Parts, -1 the ground
@@ -88,11 +89,11 @@ struct ComposedPart {
 
 struct Composition {
   ComposeEnd End = ComposeEnd::NoEntry;
-  int32_t Entry = -1;     // index into Item::Graphics
-  bool FellBack = false;  // the entry asked for is missing; the default was taken
-  int32_t Group = -1;     // the layout or standard group reached
-  int32_t Set = -1;       // the set reached (Views, Set)
-  uint32_t Value = 0;     // a callback result or an undefined ID
+  int32_t Entry = -1;          // index into Item::Graphics
+  bool FellBack = false;       // the entry asked for is missing; the default was taken
+  int32_t Group = -1;          // the layout or standard group reached
+  int32_t Set = -1;            // the set reached (Views, Set)
+  uint32_t Value = 0;          // a callback result or an undefined ID
   std::vector<int32_t> Views;  // Views: set.First + k, those past the file left out
   int32_t MissingViews = 0;    // views past the end of the file
   std::vector<ComposedPart> Parts;
@@ -117,7 +118,8 @@ Composition Compose(const GrfItems& items, const Item& item, const ComposeReques
 // then clockwise. The order is inferred, not confirmed: every label says so.
 const char* ViewDirection(int32_t view);
 
-// --- Texts (item_compose_text.cpp) ---------------------------------------------------------------------
+// --- Texts (item_compose_text.cpp)
+// ---------------------------------------------------------------------
 
 // "random 1 of 4", "0-3", "5", "default", "loaded set 2 of 3".
 std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_t pick);

@@ -21,6 +21,9 @@ std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_
     case BranchKind::Amount:
       return std::string(g.Feature == 0x04 ? "set " : "amount set ") + std::to_string(pick + 1) +
              " of " + std::to_string(b.Choices);
+    case BranchKind::SetSprite:
+      return "sprite " + std::to_string(pick + 1) + " of " + std::to_string(b.Choices) +
+             " in each set";
     case BranchKind::Variational:
       break;
   }
@@ -32,11 +35,17 @@ std::string BranchChoiceText(const GrfItems& items, const BranchPoint& b, int32_
 
 std::string BranchText(const GrfItems& items, const BranchPoint& b) {
   const SpriteGroup& g = items.Groups[static_cast<size_t>(b.Group)];
-  const std::string id = "group " + HexByte(g.Id) + " (sprite " + std::to_string(g.Sprite + 1) + ")";
+  const std::string id =
+      "group " + HexByte(g.Id) + " (sprite " + std::to_string(g.Sprite + 1) + ")";
   switch (b.Kind) {
-    case BranchKind::Random: return "random " + id;
-    case BranchKind::Amount: return "standard " + id;
-    case BranchKind::Variational: break;
+    case BranchKind::Random:
+      return "random " + id;
+    case BranchKind::Amount:
+      return "standard " + id;
+    case BranchKind::SetSprite:
+      return "layout " + id;
+    case BranchKind::Variational:
+      break;
   }
   std::string out = "switch " + id;
   if (!g.Adjusts.empty()) out += " on " + AdjustText(g.Adjusts.front(), g.Feature);
@@ -46,9 +55,12 @@ std::string BranchText(const GrfItems& items, const BranchPoint& b) {
 
 const char* PartRoleWord(PartRole role) {
   switch (role) {
-    case PartRole::Ground: return "ground";
-    case PartRole::Building: return "building";
-    case PartRole::Child: return "child";
+    case PartRole::Ground:
+      return "ground";
+    case PartRole::Building:
+      return "building";
+    case PartRole::Child:
+      return "child";
   }
   return "";
 }
@@ -62,17 +74,26 @@ std::string ComposeEndText(const GrfItems& items, const Composition& c) {
     return "set " + std::to_string(r.Number) + " (sprites " + SpriteRuns(sprites) + ")";
   };
   const auto group = [&] {
-    return "group at sprite " + std::to_string(items.Groups[static_cast<size_t>(c.Group)].Sprite + 1);
+    return "group at sprite " +
+           std::to_string(items.Groups[static_cast<size_t>(c.Group)].Sprite + 1);
   };
   switch (c.End) {
-    case ComposeEnd::Views: return std::to_string(c.Views.size()) + " views of " + set();
-    case ComposeEnd::Set: return set();
-    case ComposeEnd::Layout: return "sprite layout, " + group();
-    case ComposeEnd::Callback: return "callback result " + std::to_string(c.Value);
-    case ComposeEnd::Undefined: return "undefined reference " + std::to_string(c.Value);
-    case ComposeEnd::NoEntry: return "no graphics for this request";
-    case ComposeEnd::Other: return "nothing to draw: " + group();
-    case ComposeEnd::Loop: return "a loop at " + group();
+    case ComposeEnd::Views:
+      return std::to_string(c.Views.size()) + " views of " + set();
+    case ComposeEnd::Set:
+      return set();
+    case ComposeEnd::Layout:
+      return "sprite layout, " + group();
+    case ComposeEnd::Callback:
+      return "callback result " + std::to_string(c.Value);
+    case ComposeEnd::Undefined:
+      return "undefined reference " + std::to_string(c.Value);
+    case ComposeEnd::NoEntry:
+      return "no graphics for this request";
+    case ComposeEnd::Other:
+      return "nothing to draw: " + group();
+    case ComposeEnd::Loop:
+      return "a loop at " + group();
   }
   return "";
 }

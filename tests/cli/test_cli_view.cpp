@@ -35,12 +35,30 @@ struct Case {
 TEST(CliView, PngAndJsonAreTheDisplaysComposition) {
   const std::vector<Case> cases = {
       {"ogfx-mars-rv.grf", 0x01, 88, {"--company", "red", "--zoom", "in2"}, {}, {}, 4, kZoomIn2},
-      {"ogfx-mars-rv.grf", 0x01, 88, {"--shared-origin", "--origins"}, {}, {.Origins = true,
-       .SharedOrigin = true}, -1, -1},
-      {"ogfx-mars-houses.grf", 0x07, 0, {"--pick", "113=3", "--boxes"},
-       {.Picks = {{112, 2}}}, {.Boxes = true}, -1, -1},
-      {"ekranoplan.grf", 0x02, 11, {"--loading", "--purchase"},
-       {.Entry = EntryKind::Purchase, .Loading = true, .Picks = {}}, {}, -1, -1},
+      {"ogfx-mars-rv.grf",
+       0x01,
+       88,
+       {"--shared-origin", "--origins"},
+       {},
+       {.Origins = true, .SharedOrigin = true},
+       -1,
+       -1},
+      {"ogfx-mars-houses.grf",
+       0x07,
+       0,
+       {"--pick", "113=3", "--boxes"},
+       {.Picks = {{112, 2}}},
+       {.Boxes = true},
+       -1,
+       -1},
+      {"ekranoplan.grf",
+       0x02,
+       11,
+       {"--loading", "--purchase"},
+       {.Entry = EntryKind::Purchase, .Loading = true, .Picks = {}},
+       {},
+       -1,
+       -1},
   };
   const BaseSprites base = OpenBaseSprites();
   for (const Case& k : cases) {
@@ -62,8 +80,8 @@ TEST(CliView, PngAndJsonAreTheDisplaysComposition) {
     const std::string png = grfw::WriteTemp("view.png", {});
     char feature[4];
     std::snprintf(feature, sizeof feature, "%02X", k.Feature);
-    std::vector<std::string> args = {"view", path, feature,
-                                     std::to_string(k.Id), png, "--force", "--json"};
+    std::vector<std::string> args = {"view", path,      feature, std::to_string(k.Id),
+                                     png,    "--force", "--json"};
     args.insert(args.end(), k.Options.begin(), k.Options.end());
     const CliRun run = RunCli(args);
     ASSERT_EQ(run.Status, 0) << run.Err;

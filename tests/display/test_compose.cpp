@@ -52,7 +52,9 @@ QRgb Colour(int index) {
 
 // An extended layout of one building sprite in a box at (x, y, z), ground set 0.
 Bytes OneBuilding(uint8_t id, uint32_t word, int8_t x, int8_t y, int8_t z) {
-  return Cat({{0x02, 0x07, id, 0x01}, Dword(0x80000000u), Dword(word),
+  return Cat({{0x02, 0x07, id, 0x01},
+              Dword(0x80000000u),
+              Dword(word),
               {uint8_t(x), uint8_t(y), uint8_t(z), 4, 4, 4}});
 }
 
@@ -137,8 +139,7 @@ ComposedPicture Draw(const Hand& h, uint32_t house, const Look& look,
 // corner, then the sprite's offsets, put it, every pixel `colour`; at `scale` pixels per pixel.
 void ExpectSquare(const ComposedPicture& p, int x, int y, int z, QPoint offsets, QRgb colour,
                   int scale = 1) {
-  const QPoint corner =
-      p.Origin + scale * QPoint(2 * (y - x), x + y - z) + scale * offsets;
+  const QPoint corner = p.Origin + scale * QPoint(2 * (y - x), x + y - z) + scale * offsets;
   for (int dy = 0; dy < 4 * scale; ++dy)
     for (int dx = 0; dx < 4 * scale; ++dx)
       ASSERT_EQ(p.Image.pixel(corner + QPoint(dx, dy)), colour)
@@ -169,10 +170,21 @@ TEST(Compose, LayoutFormsPlaceSpritesByTheProjection) {
     ExpectSquare(advanced, 4, 0, 2, {-1, -1}, Colour(0x22), s);
   }
   const Composition c = Compose(h->Items, *FindItem(h->Items, 0x07, 2), {});
-  ASSERT_EQ(c.Branches.size(), 1u);
+  ASSERT_EQ(c.Branches.size(), 2u);
   EXPECT_TRUE(c.Branches[0].Computed);
   EXPECT_EQ(c.Branches[0].Value, 2u);
   EXPECT_FALSE(c.RegistersUnknown);
+  // The layout's set of 4 is a branch too: its second sprite moves the register's pick on by one,
+  // and its fourth runs past the set.
+  EXPECT_EQ(c.Branches[1].Kind, BranchKind::SetSprite);
+  const Item& house = *FindItem(h->Items, 0x07, 2);
+  const int32_t layout = h->Items.Groups[size_t(c.Branches[1].Group)].Sprite;
+  look.Zoom = -1;
+  const Composition second = Compose(h->Items, house, {.Picks = {{layout, 1}}});
+  ExpectSquare(DrawComposition(h->Grf.File, h->Items, second, look, &h->Base, {}), 4, 0, 2,
+               {-1, -1}, Colour(0x23));
+  const Composition past = Compose(h->Items, house, {.Picks = {{layout, 3}}});
+  EXPECT_TRUE(past.Parts[1].OutsideSet);
 }
 
 // Bit 15 recolours (company colour with recolour 0, else the base set's map), bit 14 draws
@@ -187,8 +199,8 @@ TEST(Compose, SpriteWordBitsChangePixels) {
   const QColor under = QColor::fromRgb(Colour(0x40));
   const auto half = [](int c) { return (c + 255) / 2; };
   const ComposedPicture transparent = Draw(*h, 6, look);
-  const QColor got = transparent.Image.pixelColor(transparent.Origin + QPoint(2 * 1, 3) +
-                                                  QPoint(-3, -5));
+  const QColor got =
+      transparent.Image.pixelColor(transparent.Origin + QPoint(2 * 1, 3) + QPoint(-3, -5));
   EXPECT_NEAR(got.red(), half(under.red()), 2);
   EXPECT_NEAR(got.green(), half(under.green()), 2);
   ExpectSquare(Draw(*h, 7, look), 1, 2, 0, {-2, -2}, Colour(0x30));
@@ -218,8 +230,8 @@ TEST(Compose, RealRoadVehicleViewsStandOnTheirOffsets) {
   Look look = TestLook();
   look.Company = false;
   for (const bool shared : {false, true}) {
-    const ComposedPicture p = DrawComposition(grf->File, items, c, look, nullptr,
-                                              {.SharedOrigin = shared});
+    const ComposedPicture p =
+        DrawComposition(grf->File, items, c, look, nullptr, {.SharedOrigin = shared});
     ASSERT_EQ(p.Sprites.size(), 8u);
     for (size_t k = 0; k < 8; ++k) {
       const PlacedSprite& s = p.Sprites[k];
@@ -232,8 +244,8 @@ TEST(Compose, RealRoadVehicleViewsStandOnTheirOffsets) {
       }
       SpritePicture picture;
       ASSERT_EQ(PictureOf(grf->File, c.Views[k], alternative, picture), GrfResult::Ok);
-      const QImage own = IndexedPicture(picture.Indices.data(), picture.Width, picture.Height,
-                                        look.Palette);
+      const QImage own =
+          IndexedPicture(picture.Indices.data(), picture.Width, picture.Height, look.Palette);
       for (int y = 0; y < own.height(); ++y)
         for (int x = 0; x < own.width(); ++x)
           if (own.pixelIndex(x, y) != 0) {

@@ -49,8 +49,8 @@ struct TempFile {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const TempFile temp;
   const std::string& path = temp.Path;
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(data),
-                                              static_cast<std::streamsize>(size));
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   const BaseSprites base = OpenBaseSprites(path);
   if (!base.Open) return 0;
   FileReading reading;
