@@ -233,9 +233,10 @@ ComposedPicture DrawViews(const GrfFile& file, const Composition& c, const Look&
   for (int32_t i = 0; i < cells; ++i) {
     const QPoint origin(i * cell.width() - cell.left(), -cell.top());
     PaintDiamond(p, origin + north, eighths);
-    const std::string text = options.SharedOrigin
-                                 ? std::to_string(ready.size())
-                                 : std::to_string(i) + " " + ViewDirection(i) + "?";
+    const std::string text = options.SharedOrigin ? std::to_string(ready.size())
+                             : c.End == ComposeEnd::Views
+                                 ? std::to_string(i) + " " + ViewDirection(i) + "?"
+                                 : std::to_string(i);
     PaintText(p, text,
               QPoint(i * cell.width() + (cell.width() - TextWidth(text, glyph)) / 2,
                      cell.height() + 2 * glyph),
