@@ -24,7 +24,8 @@ struct BaseSprites {
   bool Open = false;
   std::string Path;
 };
-// Opens `path`, or without one the base file of the first installed base set that loads.
+// Opens `path`, or without one the base file of the first installed base set that loads. It reads
+// the installed sets and a whole base file, so a window runs it off its thread, once.
 BaseSprites OpenBaseSprites(const std::string& path = {});
 
 struct ComposeOptions {
