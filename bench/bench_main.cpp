@@ -89,6 +89,7 @@ void CloseWindowCases();
 void RegisterV2Cases();
 void RegisterItemsCases();
 void RegisterCompareCases();
+void RegisterComposeCases();
 
 int main(int argc, char** argv) {
   // The window cases run on Qt's offscreen platform unless a display is asked for.
@@ -100,6 +101,7 @@ int main(int argc, char** argv) {
   RegisterV2Cases();
   RegisterItemsCases();
   RegisterCompareCases();
+  RegisterComposeCases();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

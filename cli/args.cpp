@@ -30,7 +30,8 @@ std::string Dashed(const QString& name) {
 
 CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
                          const std::vector<std::string>& options,
-                         const std::vector<std::string>& flags) {
+                         const std::vector<std::string>& flags,
+                         const std::vector<std::string>& repeated) {
   CommandArgs out;
   if (args.size() < count) {
     out.TooFew = true;
@@ -55,6 +56,11 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
     known.append(QCommandLineOption(QString::fromStdString(name)));
     parser.addOption(known.back());
   }
+  QList<QCommandLineOption> lists;
+  for (const std::string& name : repeated) {
+    lists.append(QCommandLineOption(QString::fromStdString(name), QString(), "value"));
+    parser.addOption(lists.back());
+  }
   QStringList words{"vossel-cli"};
   for (size_t i = count; i < args.size(); ++i) words << QFile::decodeName(args[i].c_str());
   if (!parser.parse(words)) {
@@ -78,6 +84,10 @@ CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
     if (values.size() == 1) out.Values[name] = QFile::encodeName(values.front()).toStdString();
     if (option.valueName().isEmpty() && parser.isSet(option)) out.Values[name] = std::string();
   }
+  for (const QCommandLineOption& option : lists)
+    for (const QString& value : parser.values(option))
+      out.Lists[option.names().front().toStdString()].push_back(
+          QFile::encodeName(value).toStdString());
   return out;
 }
 

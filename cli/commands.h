@@ -38,14 +38,17 @@ void FileError(const std::string& fileName, const std::string& text);
 // parsed by QCommandLineParser.
 struct CommandArgs {
   std::vector<std::string> Positional;
-  std::map<std::string, std::string> Values;  // by option name, without dashes
-  std::string Error;                          // why the usage is wrong; empty when it is right
-  bool TooFew = false;                        // fewer than `count` arguments
+  std::map<std::string, std::string> Values;              // by option name, without dashes
+  std::map<std::string, std::vector<std::string>> Lists;  // repeatable options, in order
+  std::string Error;    // why the usage is wrong; empty when it is right
+  bool TooFew = false;  // fewer than `count` arguments
 };
 // `flags` are options without a value; a flag that is set stands in Values with an empty value.
+// `repeated` options may come more than once; their values stand in Lists.
 CommandArgs ParseCommand(const std::vector<std::string>& args, size_t count,
                          const std::vector<std::string>& options,
-                         const std::vector<std::string>& flags = {});
+                         const std::vector<std::string>& flags = {},
+                         const std::vector<std::string>& repeated = {});
 
 // The look of a command's pictures, for a loaded file: --palette (windows, dos, declared or a
 // palette file; declared by default), --company and --base-set from `values`, and the wish's zoom
@@ -88,6 +91,9 @@ bool WritePngFile(const std::string& path, const QImage& picture, int32_t x, int
 // Writes the bytes as the file `path`, whole or not at all; false with the system's reason.
 bool WriteFileWhole(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error);
 
+// An item's ID, decimal or 0x hex.
+bool ParseId(const std::string& text, uint32_t& id);
+
 int CmdList(const std::vector<std::string>& args);
 int CmdInfo(const std::vector<std::string>& args);
 int CmdSprite(const std::vector<std::string>& args);
@@ -100,6 +106,7 @@ int CmdItems(const std::vector<std::string>& args);
 int CmdItem(const std::vector<std::string>& args);
 int CmdDiff(const std::vector<std::string>& args);
 int CmdCheck(const std::vector<std::string>& args);
+int CmdView(const std::vector<std::string>& args);
 
 // The text chunks of an exported PNG that carry the sprite's offsets.
 inline constexpr const char kXOffsetKey[] = "XOffset";

@@ -175,6 +175,8 @@ std::string NameText(const Item& item) {
   return item.Name.empty() ? "(no name)" : "\"" + item.Name + "\"";
 }
 
+}  // namespace
+
 bool ParseId(const std::string& text, uint32_t& id) {
   const bool hex = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
   const std::string digits = hex ? text.substr(2) : text;
@@ -186,8 +188,6 @@ bool ParseId(const std::string& text, uint32_t& id) {
   id = static_cast<uint32_t>(v);
   return true;
 }
-
-}  // namespace
 
 int CmdItems(const std::vector<std::string>& args) {
   const CommandArgs parsed = ParseCommand(args, 1, {}, {"json"});

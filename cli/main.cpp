@@ -56,6 +56,11 @@ const char kUsage[] =
     "                                     the mistakes the file carries, one line each:\n"
     "                                     SPRITE: severity CODE: text; exit 3 with warnings only,\n"
     "                                     4 with errors\n"
+    "  view FILE FEATURE ID OUT.png|- [--cargo C] [--purchase] [--loading] [--pick SPRITE=N ...]\n"
+    "        [--boxes] [--origins] [--shared-origin] [--palette PAL] [--company COLOUR]\n"
+    "        [--base-set FILE] [--zoom LEVEL] [--depth 8|32] [--json] [--force]\n"
+    "                                     what an item draws, composed as the game places it:\n"
+    "                                     a vehicle's views, a tile from its layout\n"
     "\n"
     "Options:\n"
     "  --json         one JSON document on standard output instead of the text\n"
@@ -108,6 +113,7 @@ int main(int argc, char** argv) {
   if (command == "item") return CmdItem(args);
   if (command == "diff") return CmdDiff(args);
   if (command == "check") return CmdCheck(args);
+  if (command == "view") return CmdView(args);
   std::fprintf(stderr, "vossel-cli: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return kExitUsage;
 }

@@ -31,7 +31,7 @@ _vossel_cli() {
   ((COMP_CWORD > 0)) && prev=${COMP_WORDS[COMP_CWORD - 1]}
   COMPREPLY=()
 
-  local commands="list info sprite chunks about nfo items item check diff export sheet"
+  local commands="list info sprite chunks about nfo items item check diff export sheet view"
   if ((COMP_CWORD <= 1)); then
     _vossel_cli_words "$commands --help --version" "$cur"
     return 0
@@ -62,6 +62,10 @@ _vossel_cli() {
       valued="--columns --cell --first --last --palette --company --company2 --base-set --zoom
         --depth"
       flags="--force"
+      ;;
+    view)
+      valued="--cargo --pick --palette --company --base-set --zoom --depth"
+      flags="--purchase --loading --boxes --origins --shared-origin --json --force"
       ;;
     diff) flags="--json --pixels" ;;
     nfo) ;;
@@ -119,7 +123,11 @@ _vossel_cli() {
       _vossel_cli_words "-" "$cur"
       _vossel_cli_files "$cur" .png
       ;;
-    item:2)
+    view:4)
+      _vossel_cli_words "-" "$cur"
+      _vossel_cli_files "$cur" .png
+      ;;
+    item:2 | view:2)
       _vossel_cli_words "trains roadvehicles ships aircraft stations canals bridges houses
         globalsettings industrytiles industries cargos sounds airports signals objects railtypes
         airporttiles roadtypes tramtypes roadstops" "$cur"

@@ -30,7 +30,7 @@ expect() {
   fi
 }
 
-expect "vossel-cli " "list info sprite chunks about nfo items item check diff export sheet --help --version"
+expect "vossel-cli " "list info sprite chunks about nfo items item check diff export sheet view --help --version"
 expect "vossel-cli check a.grf --" "--ignore --json"
 expect "vossel-cli s" "sprite sheet"
 expect "vossel-cli list " "a.grf B.GRF out sets"
@@ -58,6 +58,8 @@ expect "vossel-cli sheet a.grf s.png --cell 32 --depth 8 --" \
 expect "vossel-cli item a.grf tr" "trains tramtypes"
 expect "vossel-cli item a.grf trains " ""
 expect "vossel-cli items a.grf --" "--json"
+expect "vossel-cli view a.grf houses 3 " "- pic.png out sets"
+expect "vossel-cli view a.grf houses 3 v.png --pick 98=2 --s" "--shared-origin"
 expect "vossel-cli diff a.grf B.GRF --" "--json --pixels"
 expect "vossel-cli frobnicate " ""
 
