@@ -1,4 +1,4 @@
-// The look of vossel-cli's pictures: --palette, --company and --base-set.
+// The look of vossel-cli's pictures: --palette, --company, --company2 and --base-set.
 #include <cstdio>
 
 #include <QString>
@@ -16,19 +16,26 @@ constexpr char kColourTokens[] =
     "purple, orange, brown, grey, white";
 
 // The maps near the file, else those of an installed base set; false after saying why not.
-bool FindMaps(const GrfFile& file, const std::map<std::string, std::string>& values,
-              FoundMaps& maps) {
+// `two`: the maps of two colours are needed too.
+bool FindMaps(const GrfFile& file, const FileReading& reading,
+              const std::map<std::string, std::string>& values, bool two, FoundMaps& maps) {
   const auto named = values.find("base-set");
   const std::string path = named != values.end() ? named->second : std::string();
-  maps = NearMaps(file, path);
+  maps = NearMaps(file, reading, path);
   if (!maps.Problem.empty()) {
     FileError(path, maps.Problem);
     return false;
   }
-  if (SearchInstalled(maps)) maps = InstalledMaps();
-  if (maps.Found) return true;
-  std::fprintf(stderr, "vossel-cli: %s; give --base-set FILE\n", kMsgNoCompanyMaps);
-  return false;
+  if (SearchInstalled(maps, two)) maps = WithInstalled(std::move(maps), InstalledMaps(two));
+  if (!maps.Found) {
+    std::fprintf(stderr, "vossel-cli: %s; give --base-set FILE\n", kMsgNoCompanyMaps);
+    return false;
+  }
+  if (two && !maps.TwoFound) {
+    std::fprintf(stderr, "vossel-cli: %s; give --base-set FILE with them\n", kMsgNoTwoColourMaps);
+    return false;
+  }
+  return true;
 }
 
 // Names in any case; a file's path as it is.
@@ -54,17 +61,25 @@ int ChooseLook(const GrfFile& file, const FileReading& reading,
     }
     choices.Palette = palette;
   }
-  FoundMaps maps;
-  if (const auto company = values.find("company"); company != values.end()) {
+  int32_t colours[2] = {-1, -1};
+  const char* names[2] = {"company", "company2"};
+  for (int i = 0; i < 2; ++i) {
+    const auto given = values.find(names[i]);
+    if (given == values.end()) continue;
     CompanyColour colour{};
-    if (!ParseCompanyColour(Lower(company->second), colour)) {
+    if (!ParseCompanyColour(Lower(given->second), colour)) {
       std::fprintf(stderr, "vossel-cli: '%s' is not a company colour; give one of %s\n",
-                   company->second.c_str(), kColourTokens);
+                   given->second.c_str(), kColourTokens);
       return kExitUsage;
     }
-    if (!FindMaps(file, values, maps)) return kExitFailure;
-    choices.Company = static_cast<int32_t>(colour);
+    colours[i] = static_cast<int32_t>(colour);
   }
+  FoundMaps maps;
+  if ((colours[0] >= 0 || colours[1] >= 0) &&
+      !FindMaps(file, reading, values, colours[1] >= 0, maps))
+    return kExitFailure;
+  choices.Company = colours[0];
+  choices.Company2 = colours[1];
   choices.Transparent = values.count("transparent") > 0;
   if (wish != nullptr) {
     choices.Zoom = wish->Zoom;

@@ -22,14 +22,6 @@ QString Q(const std::string& s) {
   return QString::fromStdString(s);
 }
 
-std::string IdentityLine(const GrfIdentity& i) {
-  if (!i.HasAction8) return "no GRF ID";
-  std::string out = "GRF ID " + GrfIdText(i.Grf.Bytes);
-  if (!i.Name.empty()) out += ", " + i.Name;
-  if (i.HasInfo && i.Info.HasVersion) out += ", version " + std::to_string(i.Info.Version);
-  return out;
-}
-
 QJsonObject FileJson(const GrfFile& file, const GrfIdentity& i) {
   QJsonObject o;
   o.insert("file", Q(file.Path));
@@ -130,16 +122,11 @@ int PrintJsonDiff(const GrfFile& a, const GrfFile& b, const GrfComparison& c) {
 
 int PrintTextDiff(const GrfFile& a, const GrfFile& b, const GrfComparison& c) {
   std::string out;
-  const auto head = [&](const char* side, const GrfFile& f, const GrfIdentity& i) {
-    out += std::string(side) + ": " + f.Path + " (container " + std::to_string(f.Container) + ", " +
-           std::to_string(SpriteCount(f)) + " sprites, " + IdentityLine(i) + ")\n";
-  };
-  head("A", a, c.OldIdentity);
-  head("B", b, c.NewIdentity);
+  out += ComparedFileLine("A", a, c.OldIdentity) + "\n";
+  out += ComparedFileLine("B", b, c.NewIdentity) + "\n";
   for (const std::string& line : IdentityChangeLines(c)) out += "Identity: " + line + "\n";
   for (const SpriteDifference& d : c.Sprites) {
-    out += "Sprite " + std::to_string(d.Sprite + 1) + " (NFO " + std::to_string(d.Sprite) +
-           "): " + SpriteChangeText(d) + "\n";
+    out += SpriteDifferenceLine(d) + "\n";
     if (d.Change == SpriteChange::Bytes)
       out += "  - " + OldNfoLine(d) + "\n  + " + NewNfoLine(d) + "\n";
   }

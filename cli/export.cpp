@@ -39,7 +39,7 @@ namespace {
 
 const char kExportUsage[] =
     "Usage: vossel-cli export FILE DIR [--palette windows|dos|declared|PAL] [--company COLOUR] "
-    "[--base-set FILE] [--force]\n";
+    "[--company2 COLOUR] [--base-set FILE] [--force]\n";
 
 enum class ExportKind : uint8_t { Picture, Sound, Bytes, Listing };
 
@@ -329,10 +329,13 @@ int CmdExport(const std::vector<std::string>& args) {
                                        QStringLiteral("overwrite files that are there already"));
   const QCommandLineOption companyOption(
       QStringLiteral("company"), QStringLiteral("a company colour"), QStringLiteral("NAME"));
+  const QCommandLineOption company2Option(QStringLiteral("company2"),
+                                          QStringLiteral("a second company colour"),
+                                          QStringLiteral("NAME"));
   const QCommandLineOption baseSetOption(QStringLiteral("base-set"),
                                          QStringLiteral("the base set with the colour maps"),
                                          QStringLiteral("FILE"));
-  parser.addOptions({paletteOption, forceOption, companyOption, baseSetOption});
+  parser.addOptions({paletteOption, forceOption, companyOption, company2Option, baseSetOption});
   QStringList arguments{QStringLiteral("vossel-cli export")};
   for (const std::string& a : args) arguments << QString::fromLocal8Bit(a);
   if (!parser.parse(arguments)) return UsageError(parser.errorText());
@@ -345,7 +348,8 @@ int CmdExport(const std::vector<std::string>& args) {
   FileReading reading;
   if (LoadForCli(fileName, file, &reading) != kExitOk) return kExitFailure;
   std::map<std::string, std::string> values;
-  for (const QCommandLineOption* option : {&paletteOption, &companyOption, &baseSetOption})
+  for (const QCommandLineOption* option :
+       {&paletteOption, &companyOption, &company2Option, &baseSetOption})
     if (parser.isSet(*option))
       values[option->names().front().toStdString()] =
           parser.value(*option).toLocal8Bit().toStdString();

@@ -27,8 +27,8 @@ namespace {
 const char kSheetUsage[] =
     "Usage: vossel-cli sheet FILE OUT.png|- [--columns N] [--cell PX] [--first A] [--last B] "
     "[--pictures|--pseudo-sprites] [--role any|action-sprites|base-sprites|recolour-maps|glyphs] "
-    "[--palette windows|dos|declared|PAL] [--company COLOUR] [--base-set FILE] [--zoom LEVEL] "
-    "[--depth 8|32] [--transparent] [--force]\n";
+    "[--palette windows|dos|declared|PAL] [--company COLOUR] [--company2 COLOUR] [--base-set FILE] "
+    "[--zoom LEVEL] [--depth 8|32] [--transparent] [--force]\n";
 
 // No sheet is larger than this across or down; the sprites that do not fit go to further sheets.
 constexpr int32_t kMaxSheetSide = 8192;
@@ -214,7 +214,7 @@ bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::s
 int CmdSheet(const std::vector<std::string>& args) {
   const CommandArgs parsed = ParseCommand(args, 2,
                                           {"columns", "cell", "first", "last", "palette", "company",
-                                           "base-set", "zoom", "depth", "role"},
+                                           "company2", "base-set", "zoom", "depth", "role"},
                                           {"force", "pictures", "pseudo-sprites", "transparent"});
   if (parsed.TooFew) return UsageError("sheet needs FILE and OUT.png");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);

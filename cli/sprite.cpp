@@ -20,7 +20,7 @@ namespace {
 
 const char kSpriteUsage[] =
     "Usage: vossel-cli sprite FILE N [--png OUT|- [--force]] [--palette windows|dos|declared|PAL] "
-    "[--company COLOUR] [--base-set FILE] "
+    "[--company COLOUR] [--company2 COLOUR] [--base-set FILE] "
     "[--zoom normal|in4|in2|out2|out4|out8] [--depth 8|32] [--json]\n";
 
 int UsageError(const std::string& why) {
@@ -168,8 +168,9 @@ int ShowSprite(const GrfFile& file, const std::string& fileName, int32_t index, 
 }  // namespace
 
 int CmdSprite(const std::vector<std::string>& args) {
-  const CommandArgs parsed = ParseCommand(
-      args, 2, {"png", "palette", "zoom", "depth", "company", "base-set"}, {"force", "json"});
+  const CommandArgs parsed =
+      ParseCommand(args, 2, {"png", "palette", "zoom", "depth", "company", "company2", "base-set"},
+                   {"force", "json"});
   if (parsed.TooFew) return UsageError("sprite needs FILE and N");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
   if (!IsSpriteNumberText(args[1])) return UsageError("'" + args[1] + "' is not a sprite number");

@@ -47,7 +47,7 @@ _vossel_cli() {
       flags="--json"
       ;;
     sprite)
-      valued="--png --palette --company --base-set --zoom --depth"
+      valued="--png --palette --company --company2 --base-set --zoom --depth"
       flags="--force --json"
       ;;
     chunks)
@@ -55,11 +55,12 @@ _vossel_cli() {
       flags="--json"
       ;;
     export)
-      valued="--palette --company --base-set"
+      valued="--palette --company --company2 --base-set"
       flags="--force"
       ;;
     sheet)
-      valued="--columns --cell --first --last --palette --company --base-set --zoom --depth"
+      valued="--columns --cell --first --last --palette --company --company2 --base-set --zoom
+        --depth"
       flags="--force"
       ;;
     view)
@@ -83,7 +84,7 @@ _vossel_cli() {
           _vossel_cli_words "windows dos declared" "$cur"
           _vossel_cli_files "$cur" .pal
           ;;
-        --company)
+        --company | --company2)
           _vossel_cli_words "dark-blue pale-green pink yellow red light-blue green dark-green
             blue cream mauve purple orange brown grey white" "$cur"
           ;;

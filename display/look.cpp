@@ -11,7 +11,7 @@ PaletteChoiceKind StartingPalette(FirstPalette rule, const GrfFile& file) {
   return PaletteChoiceKind::Windows;
 }
 
-FoundMaps NearMaps(const GrfFile& file, const std::string& named) {
+FoundMaps NearMaps(const GrfFile& file, const FileReading& reading, const std::string& named) {
   FoundMaps found;
   if (!named.empty()) {
     const CompanyMapsResult read = LoadCompanyMaps(named, found.Maps);
@@ -20,18 +20,39 @@ FoundMaps NearMaps(const GrfFile& file, const std::string& named) {
       found.From = named;
     else
       found.Problem = CompanyMapsText(read);
+    found.TwoFound = LoadTwoColourMaps(named, found.Two) == TwoColourMapsResult::Ok;
+    if (found.TwoFound) found.TwoFrom = named;
     return found;
   }
   found.Found = CompanyMapsOfFile(file, found.Maps) == CompanyMapsResult::Ok;
   if (found.Found) found.From = file.Path;
+  found.TwoFound = TwoColourMapsOf(reading, found.Two) == TwoColourMapsResult::Ok;
+  if (found.TwoFound) found.TwoFrom = file.Path;
   return found;
 }
 
-FoundMaps InstalledMaps() {
+FoundMaps InstalledMaps(bool two) {
   FoundMaps found;
-  found.From = FindInstalledCompanyMaps(FindInstalledBaseSets(), found.Maps);
+  const std::vector<InstalledBaseSet> sets = FindInstalledBaseSets();
+  found.From = FindInstalledCompanyMaps(sets, found.Maps);
   found.Found = !found.From.empty();
+  if (two) found.TwoFrom = FindInstalledTwoColourMaps(sets, found.Two);
+  found.TwoFound = !found.TwoFrom.empty();
   return found;
+}
+
+FoundMaps WithInstalled(FoundMaps near, const FoundMaps& installed) {
+  if (!near.Found && near.Problem.empty()) {
+    near.Found = installed.Found;
+    near.Maps = installed.Maps;
+    near.From = installed.From;
+  }
+  if (!near.TwoFound) {
+    near.TwoFound = installed.TwoFound;
+    near.Two = installed.Two;
+    near.TwoFrom = installed.TwoFrom;
+  }
+  return near;
 }
 
 Look ResolveLook(const LookChoices& choices, FirstPalette rule, const GrfFile& file,
@@ -45,8 +66,19 @@ Look ResolveLook(const LookChoices& choices, FirstPalette rule, const GrfFile& f
   look.Depth = choices.Depth;
   look.Mask = choices.Mask;
   look.Transparent = choices.Transparent;
-  look.Company = choices.Company >= 0 && choices.Company < kCompanyColourCount && maps.Found;
-  if (look.Company) look.Map = MapOf(maps.Maps, static_cast<CompanyColour>(choices.Company));
+  const auto colour = [](int32_t c) { return c >= 0 && c < kCompanyColourCount; };
+  const bool first = colour(choices.Company);
+  look.TwoColours = colour(choices.Company2) && maps.TwoFound;
+  if (look.TwoColours) {
+    look.Map = PairMapOf(maps.Two, static_cast<CompanyColour>(first ? choices.Company : 0),
+                         static_cast<CompanyColour>(choices.Company2));
+    if (!first)
+      for (int32_t i = 0; i < kColourIndexCount; ++i)
+        look.Map[kFirstColourIndex + i] = static_cast<uint8_t>(kFirstColourIndex + i);
+  } else if (first && maps.Found) {
+    look.Map = MapOf(maps.Maps, static_cast<CompanyColour>(choices.Company));
+  }
+  look.Company = look.TwoColours || (first && maps.Found);
   return look;
 }
 

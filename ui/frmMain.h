@@ -18,6 +18,7 @@
 #include "filedialog.h"
 #include "follow.h"
 #include "frmChunk.h"
+#include "frmCompare.h"
 #include "frmDetails.h"
 #include "frmItems.h"
 #include "frmProblems.h"
@@ -95,6 +96,7 @@ class frmMain : public QMainWindow {
   bool ItemsDone = false;
   std::unique_ptr<frmItems> ItemsWindow;
   std::unique_ptr<frmProblems> ProblemsWindow;
+  std::unique_ptr<frmCompare> CompareWindow;
   // What is on view. Menu handlers change it and call ShowView; nothing reads a check mark back.
   struct ViewState {
     int32_t Sprite = -1;
@@ -110,7 +112,8 @@ class frmMain : public QMainWindow {
     // The palette: until the user chooses, the one the file is drawn in by default.
     PaletteChoiceKind Palette = PaletteChoiceKind::Windows;
     bool PaletteChosen = false;
-    int32_t Company = -1;  // a company colour, or -1 for none
+    int32_t Company = -1;   // a company colour, or -1 for none
+    int32_t Company2 = -1;  // the second company colour, likewise
     bool Transparent = false;
     bool Origin = false;
     QPoint Pan;  // how far the picture (or the origin) has been dragged
@@ -143,6 +146,7 @@ class frmMain : public QMainWindow {
   QMenu* mnuFile;
   QAction* mnuNew;
   QAction* mnuOpen;
+  QAction* mnuCompare;
   QAction* mnuReload;
   QAction* mnuSave;
   QAction* mnuSaveAs;
@@ -169,6 +173,8 @@ class frmMain : public QMainWindow {
   QAction* mnuPaletteDeclared;
   QMenu* mnuCompany;
   std::array<QAction*, kCompanyColourCount + 1> mnuCompanyColour;  // None, then the colours
+  QMenu* mnuCompany2;
+  std::array<QAction*, kCompanyColourCount + 1> mnuCompany2Colour;  // likewise
   QAction* mnuTransparent;
   QAction* mnuAlignOrigin;
   QAction* mnuLine5;
@@ -217,6 +223,7 @@ class frmMain : public QMainWindow {
   void mnuDetails_Click();
   void mnuPalette_Click(PaletteChoiceKind kind);
   void mnuCompany_Click(int32_t colour);
+  void mnuCompany2_Click(int32_t colour);
   void mnuTransparent_Click();
   void mnuAlignOrigin_Click();
   void mnuFollow_Click();
@@ -270,8 +277,9 @@ class frmMain : public QMainWindow {
   // Dragging pans, the wheel steps through sprites, Ctrl+wheel magnifies.
   bool eventFilter(QObject* watched, QEvent* event) override;
   PaletteDeclaration Declared;
-  // The company colour maps: the file's own, else what the search of the installed base sets
-  // found. The search runs once a window, off its thread; later loads take its result at once.
+  // The company colour maps, of one colour and of two: the file's own, else what the search of
+  // the installed base sets found. The search runs once a window, off its thread; later loads take
+  // its result at once.
   FoundMaps Maps;
   QFuture<FoundMaps> mapsSearch_;
   // How the view draws, resolved again when View's choices change. The palette in use is also
@@ -287,11 +295,13 @@ class frmMain : public QMainWindow {
   // and going.
   const Look& LookOfView();
   void AttachSheet();
-  // The side windows (Sprite Sheet, Items, Problems) hold the file only while on screen: a load
-  // gives it to those shown, and showing one gives it the file it lacks. Each is made by its first
-  // showing and kept; a sprite it picks is shown through the scroll bar.
+  // The side windows (Sprite Sheet, Items, Problems, Compare) hold the file only while on screen: a
+  // load gives it to those shown, and showing one gives it the file it lacks. Each is made by its
+  // first showing and kept; a sprite it picks is shown through the scroll bar.
   template <class Window>
   void ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)());
+  template <class Window>
+  void MakeSideWindow(std::unique_ptr<Window>& window);
   template <class Window>
   bool WantsFile(const std::unique_ptr<Window>& window) const;
   void AttachSideWindows();
@@ -308,6 +318,10 @@ class frmMain : public QMainWindow {
   void BuildProblemsItem();
   void mnuProblems_Click();
   void AttachProblems();
+  // The Compare window's part (frmMain_compare.cpp).
+  void BuildCompareItem();
+  void mnuCompare_Click();
+  void AttachCompare();
   // A sprite's details, with the items it belongs to.
   FactLines DetailsWithItems(int32_t sprite);
   ViewState View;
@@ -323,11 +337,15 @@ class frmMain : public QMainWindow {
 };
 
 template <class Window>
+void frmMain::MakeSideWindow(std::unique_ptr<Window>& window) {
+  if (window) return;
+  window = std::make_unique<Window>(this);
+  window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
+}
+
+template <class Window>
 void frmMain::ShowSideWindow(std::unique_ptr<Window>& window, void (frmMain::*attach)()) {
-  if (!window) {
-    window = std::make_unique<Window>(this);
-    window->Choose = [this](int32_t sprite) { ShowPicked(sprite); };
-  }
+  MakeSideWindow(window);
   window->show();
   window->raise();
   window->activateWindow();

@@ -95,6 +95,7 @@ void frmMain::BuildMenus() {
   BuildFollowItems();
   BuildItemsItem();
   BuildProblemsItem();
+  BuildCompareItem();
   mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
   mnuChunk = NewItem(mnuTools, "&Chunk Viewer", QKeySequence(), true);
   mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));

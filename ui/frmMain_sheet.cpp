@@ -24,12 +24,14 @@ void frmMain::AttachSideWindows() {
   AttachSheet();
   AttachItems();
   AttachProblems();
+  AttachCompare();
 }
 
 void frmMain::DetachSideWindows() {
   if (SpriteSheet) SpriteSheet->Detach();
   if (ItemsWindow) ItemsWindow->Detach();
   if (ProblemsWindow) ProblemsWindow->Detach();
+  if (CompareWindow) CompareWindow->Detach();
 }
 
 }  // namespace vossel

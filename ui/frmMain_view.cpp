@@ -91,16 +91,25 @@ void frmMain::BuildViewItems() {
           [this] { mnuPalette_Click(PaletteChoiceKind::Dos); });
   connect(mnuPaletteDeclared, &QAction::triggered, this,
           [this] { mnuPalette_Click(PaletteChoiceKind::Declared); });
-  mnuCompany = mnuView->addMenu(QStringLiteral("Company &Colour"));
-  mnuCompany->setToolTipsVisible(true);
-  auto* companies = new QActionGroup(this);
-  for (int32_t c = -1; c < kCompanyColourCount; ++c) {
-    const std::string caption =
-        c < 0 ? "&None" : std::string(CompanyColourCaption(static_cast<CompanyColour>(c)));
-    QAction* item = NewChoice(mnuCompany, companies, caption.c_str(), QKeySequence());
-    mnuCompanyColour[static_cast<size_t>(c + 1)] = item;
-    connect(item, &QAction::triggered, this, [this, c] { mnuCompany_Click(c); });
-  }
+  // The two colour menus say where their maps come from, or why they are off.
+  mnuView->setToolTipsVisible(true);
+  const auto colourMenu = [this](const char* title,
+                                 std::array<QAction*, kCompanyColourCount + 1>& items,
+                                 void (frmMain::*click)(int32_t)) {
+    QMenu* menu = mnuView->addMenu(QString::fromLatin1(title));
+    auto* group = new QActionGroup(this);
+    for (int32_t c = -1; c < kCompanyColourCount; ++c) {
+      const std::string caption =
+          c < 0 ? "&None" : std::string(CompanyColourCaption(static_cast<CompanyColour>(c)));
+      QAction* item = NewChoice(menu, group, caption.c_str(), QKeySequence());
+      items[static_cast<size_t>(c + 1)] = item;
+      connect(item, &QAction::triggered, this, [this, click, c] { (this->*click)(c); });
+    }
+    return menu;
+  };
+  mnuCompany = colourMenu("Company &Colour", mnuCompanyColour, &frmMain::mnuCompany_Click);
+  mnuCompany2 =
+      colourMenu("S&econd Company Colour", mnuCompany2Colour, &frmMain::mnuCompany2_Click);
   mnuTransparent = NewCommand(mnuView, "&Transparent Background", {});
   mnuTransparent->setCheckable(true);
   mnuAlignOrigin = NewCommand(mnuView, "Align to &Origin", {});
@@ -184,6 +193,11 @@ void frmMain::mnuCompany_Click(int32_t colour) {
   ShowView();
 }
 
+void frmMain::mnuCompany2_Click(int32_t colour) {
+  View.Company2 = colour;
+  ShowView();
+}
+
 void frmMain::mnuTransparent_Click() {
   View.Transparent = !View.Transparent;
   ShowView();
@@ -221,14 +235,14 @@ FoundMaps Waited(const QFuture<FoundMaps>& search) {
 
 void frmMain::StartMapsSearch() {
   // The installed base sets do not change with the file: one search serves every load.
-  if (!mapsSearch_.isValid()) mapsSearch_ = QtConcurrent::run(InstalledMaps);
+  if (!mapsSearch_.isValid()) mapsSearch_ = QtConcurrent::run([] { return InstalledMaps(); });
 }
 
 void frmMain::TakeFileColours() {
   ReadFileOnce();
   Declared = DeclaredPaletteOf(Reading);
-  Maps = NearMaps(File, std::string());
-  if (SearchInstalled(Maps)) Maps = Waited(mapsSearch_);
+  Maps = NearMaps(File, Reading, std::string());
+  if (SearchInstalled(Maps)) Maps = WithInstalled(std::move(Maps), Waited(mapsSearch_));
   lookStale_ = true;
 }
 
@@ -237,6 +251,7 @@ const Look& frmMain::LookOfView() {
   // Until the user chooses, the file starts in the palette the window's rule gives it.
   if (View.PaletteChosen) choices.Palette = PaletteChoice{View.Palette, std::string()};
   choices.Company = View.Company;
+  choices.Company2 = View.Company2;
   choices.Transparent = View.Transparent;
   choices.Mask = View.Mask;
   choices.Zoom = View.Zoom;
@@ -341,6 +356,17 @@ void frmMain::UpdateViewItems() {
       Maps.Found ? QString::fromStdString("Recolour maps from " + Maps.From)
                  : QStringLiteral("No company colour maps: the file holds none and no base set "
                                   "with them is installed"));
+  for (int32_t c = -1; c < kCompanyColourCount; ++c)
+    mnuCompany2Colour[static_cast<size_t>(c + 1)]->setChecked(View.Company2 == c);
+  mnuCompany2->setEnabled(Maps.TwoFound);
+  const QString tip2 =
+      Maps.TwoFound ? QString::fromStdString("Two-colour maps from " + Maps.TwoFrom +
+                                             "; map first + 16 x second draws the pair")
+                    : QStringLiteral(
+                          "No two-company-colour maps: neither the file nor an installed base "
+                          "set brings them (Action 05 type 0A)");
+  mnuCompany2->menuAction()->setToolTip(tip2);
+  mnuCompany2->menuAction()->setStatusTip(tip2);
   mnuTransparent->setChecked(View.Transparent);
   mnuAlignOrigin->setChecked(View.Origin);
 }

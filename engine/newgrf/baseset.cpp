@@ -91,6 +91,7 @@ void AddSetsIn(const fs::path& folder, std::vector<InstalledBaseSet>& sets) {
     if (ReadDescriptor(p.string(), set.Descriptor) != DescriptorRead::Ok) continue;
     set.DescriptorPath = p.string();
     set.BasePath = FileBeside(folder, set.Descriptor.Base);
+    set.ExtraPath = FileBeside(folder, set.Descriptor.Extra);
     sets.push_back(std::move(set));
   }
 }

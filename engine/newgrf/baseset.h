@@ -69,7 +69,8 @@ std::vector<std::string> DefaultBaseSetFolders();
 struct InstalledBaseSet {
   std::string DescriptorPath;
   BaseSetDescriptor Descriptor;
-  std::string BasePath;  // the `base =` file found beside the descriptor; empty when absent
+  std::string BasePath;   // the `base =` file found beside the descriptor; empty when absent
+  std::string ExtraPath;  // the `extra =` file, likewise
 };
 // The descriptors in the folders and their subfolders (one level), in folder order, then by path.
 std::vector<InstalledBaseSet> FindInstalledBaseSets(

@@ -27,6 +27,7 @@ enum class CheckCode : uint16_t {
   UnknownProperty = 108,    // Values: property
   ContainerProblem = 109,   // Problem: what the container's reader found
   PictureUnreadable = 110,  // Problem: why the shown picture cannot be decoded
+  RecolourCount = 111,      // Values: sprites, offset (-1: none), maps there are
   UndefinedGroup = 201,     // Values: group ID
   UndefinedSet = 202,       // Values: set, 1 when no Action 01 of the feature came before
   SetOutsideFile = 203,     // Values: set
@@ -41,7 +42,13 @@ enum class CheckCode : uint16_t {
   NoAction8 = 301,
   Action8Late = 302,      // Values: the first sprite that needs it (from 0)
   MinAboveVersion = 303,  // Values: version, minimum version
+  BadUtf8 = 304,          // Values: text ID (-1: Action 08's name, -2 its description), byte, value
   Transparent = 401,      // Values: width, height
+  No8Bit = 402,           // Values: sprites with 32-bit pictures alone
+  ZoomGaps = 403,         // Values: zoom level missing, sprites lacking a level, sprites in all
+  // Values: set, view k, then for views k and k + 4 the middle of the bottom edge: twice its x, y.
+  ViewsAsymmetric = 404,
+  BoxOutsideTile = 405,  // Values: first layout sprite, x, y, x and y extent, sprites out
 };
 
 struct Finding {
@@ -52,12 +59,13 @@ struct Finding {
   bool HasItem = false;
   uint8_t Feature = 0;
   uint32_t Id = 0;
-  int64_t Values[3] = {0, 0, 0};
+  int64_t Values[6] = {0, 0, 0, 0, 0, 0};
   GrfProblem Problem;  // 109 and 110
 };
 
 // Every finding, ordered by sprite (the file's own first). Linear in the file's sprites and
-// pseudo-sprite bytes, plus one decode of each picture's shown alternative.
+// pseudo-sprite bytes, plus one decode of each picture's shown alternative and one walk of each
+// item's graphics.
 std::vector<Finding> CheckGrf(const GrfFile& file, const FileReading& reading,
                               const GrfItems& items);
 

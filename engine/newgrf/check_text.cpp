@@ -2,6 +2,7 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "alternatives.h"
 #include "check.h"
 
 namespace vossel {
@@ -9,6 +10,11 @@ namespace {
 
 std::string N(int64_t v) {
   return std::to_string(v);
+}
+
+// A value kept doubled, as a person reads it: "-3", "-2.5".
+std::string Half(int64_t twice) {
+  return (twice < 0 && twice > -2 ? "-" : "") + N(twice / 2) + (twice % 2 ? ".5" : "");
 }
 
 std::string ActionWord(uint8_t action) {
@@ -33,6 +39,7 @@ const std::vector<CodeRow>& CheckCodes() {
       {CheckCode::UnknownProperty, Severity::Warning, "property of unknown size"},
       {CheckCode::ContainerProblem, Severity::Error, "entry the container cannot take in whole"},
       {CheckCode::PictureUnreadable, Severity::Error, "picture that cannot be decoded"},
+      {CheckCode::RecolourCount, Severity::Warning, "two-colour maps not 256"},
       {CheckCode::UndefinedGroup, Severity::Error, "reference to a group never defined"},
       {CheckCode::UndefinedSet, Severity::Error, "set beyond the last Action 01"},
       {CheckCode::SetOutsideFile, Severity::Error, "set runs past the end of the file"},
@@ -47,7 +54,12 @@ const std::vector<CodeRow>& CheckCodes() {
       {CheckCode::NoAction8, Severity::Warning, "no Action 08"},
       {CheckCode::Action8Late, Severity::Error, "Action 08 after what needs it"},
       {CheckCode::MinAboveVersion, Severity::Warning, "minimum version above the version"},
+      {CheckCode::BadUtf8, Severity::Error, "text marked UTF-8 that is not"},
       {CheckCode::Transparent, Severity::Warning, "wholly transparent sprite"},
+      {CheckCode::No8Bit, Severity::Warning, "32-bit pictures alone for the 8-bit blitter"},
+      {CheckCode::ZoomGaps, Severity::Warning, "zoom levels missing in some of an item's sprites"},
+      {CheckCode::ViewsAsymmetric, Severity::Note, "opposite vehicle views that do not line up"},
+      {CheckCode::BoxOutsideTile, Severity::Warning, "bounding box reaching out of the tile"},
   };
   return rows;
 }
@@ -85,7 +97,8 @@ bool ParseCheckCode(const std::string& text, CheckCode& code) {
 }
 
 std::string FindingText(const Finding& f) {
-  const int64_t a = f.Values[0], b = f.Values[1], c = f.Values[2];
+  const int64_t a = f.Values[0], b = f.Values[1], c = f.Values[2], d = f.Values[3], e = f.Values[4],
+                g = f.Values[5];
   switch (f.Code) {
     case CheckCode::CutPseudo:
       return ActionWord(f.Action) + " is cut short: " + CountText(a, "byte", "bytes") + " of " +
@@ -155,6 +168,32 @@ std::string FindingText(const Finding& f) {
              ", above it";
     case CheckCode::Transparent:
       return "the " + N(a) + "x" + N(b) + " picture is wholly transparent";
+    case CheckCode::RecolourCount:
+      return "Action 05 type 0A brings " + CountText(a, "two-colour map", "two-colour maps") +
+             (b >= 0 ? " from map " + N(b) + ", past the " + N(c) + " there are"
+                     : ", not the " + N(c) + " there are");
+    case CheckCode::BadUtf8:
+      return (a == -1   ? std::string("the name")
+              : a == -2 ? std::string("the description")
+                        : "text ID " + HexDigits(static_cast<uint32_t>(a), 2)) +
+             " is marked UTF-8 but is not: byte " + N(b) + " (" +
+             HexDigits(static_cast<uint32_t>(c), 2) + ") starts no valid character";
+    case CheckCode::No8Bit:
+      return "Action 14 asks for the 8-bit blitter, but " +
+             CountText(a, "sprite has", "sprites have") + " 32-bit pictures alone, from this one";
+    case CheckCode::ZoomGaps:
+      return ItemWord(f) + ": " + CountText(b, "picture lacks", "pictures lack") +
+             " zoom levels others have (from this one, " + ZoomName(static_cast<uint8_t>(a)) +
+             "); its graphics reach " + CountText(c, "picture", "pictures");
+    case CheckCode::ViewsAsymmetric:
+      return "views " + N(b) + " and " + N(b + 4) + " of set " + N(a) + " of " +
+             FeatureWord(f.Feature) +
+             " face opposite ways (view order inferred), but the middles "
+             "of their bottom edges stand at " +
+             Half(c) + "," + N(d) + " and " + Half(e) + "," + N(g) + " from the origin";
+    case CheckCode::BoxOutsideTile:
+      return "layout sprite " + N(a) + " of " + FeatureWord(f.Feature) + " has its box at " + N(b) +
+             "," + N(c) + " with extents " + N(d) + "x" + N(e) + ", reaching out of the 16x16 tile";
   }
   return "";
 }

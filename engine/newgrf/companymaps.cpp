@@ -90,6 +90,65 @@ std::string FindInstalledCompanyMaps(const std::vector<InstalledBaseSet>& sets, 
   return {};
 }
 
+TwoColourMapsResult TwoColourMapsOf(const FileReading& reading, TwoColourMaps& maps) {
+  const std::vector<SpriteRole>& roles = reading.Actions.Sprites;
+  std::vector<RecolourMap> found(kTwoColourMapCount);
+  std::vector<bool> have(kTwoColourMapCount, false);
+  bool action = false;
+  for (size_t s = 0; s < roles.size() && s < reading.Bytes.size(); ++s) {
+    const SpriteRole& role = roles[s];
+    if (role.Kind != RoleKind::BaseGraphics || role.Feature != kTwoColourMapsType) continue;
+    action = true;
+    if (role.Index >= static_cast<uint32_t>(kTwoColourMapCount)) continue;
+    const std::vector<uint8_t>& bytes = reading.Bytes[s];
+    if (bytes.size() != kRecolourSpriteSize || bytes[0] != 0x00)
+      return TwoColourMapsResult::NotRecolour;
+    std::copy(bytes.begin() + 1, bytes.end(), found[role.Index].begin());
+    have[role.Index] = true;
+  }
+  if (!action) return TwoColourMapsResult::NoAction;
+  if (std::find(have.begin(), have.end(), false) != have.end())
+    return TwoColourMapsResult::TooFewMaps;
+  maps.Maps = std::move(found);
+  return TwoColourMapsResult::Ok;
+}
+
+TwoColourMapsResult LoadTwoColourMaps(const std::string& path, TwoColourMaps& maps) {
+  GrfFile file;
+  const OpenOutcome opened = LoadGrfFile(path, file, nullptr, nullptr);
+  if (opened.End == OpenEnd::ReadFailure) return TwoColourMapsResult::CannotRead;
+  if (opened.End == OpenEnd::TooSmall || SpriteCount(file) == 0) return TwoColourMapsResult::NotGrf;
+  FileReading reading;
+  ReadFileActions(file, reading);
+  return TwoColourMapsOf(reading, maps);
+}
+
+std::string FindInstalledTwoColourMaps(const std::vector<InstalledBaseSet>& sets,
+                                       TwoColourMaps& maps) {
+  for (const InstalledBaseSet& set : sets)
+    for (const std::string* path : {&set.ExtraPath, &set.BasePath})
+      if (!path->empty() && LoadTwoColourMaps(*path, maps) == TwoColourMapsResult::Ok) return *path;
+  return {};
+}
+
+std::string TwoColourMapsText(TwoColourMapsResult result) {
+  switch (result) {
+    case TwoColourMapsResult::Ok:
+      return "two-company-colour maps read";
+    case TwoColourMapsResult::CannotRead:
+      return "the file cannot be read";
+    case TwoColourMapsResult::NotGrf:
+      return "the file holds no sprites";
+    case TwoColourMapsResult::NoAction:
+      return "the file has no Action 05 of type 0A";
+    case TwoColourMapsResult::TooFewMaps:
+      return "its Action 05 of type 0A brings fewer than 256 maps";
+    case TwoColourMapsResult::NotRecolour:
+      return "a sprite of its Action 05 of type 0A is not a recolour sprite";
+  }
+  return "unknown result";
+}
+
 std::string CompanyMapsText(CompanyMapsResult result) {
   switch (result) {
     case CompanyMapsResult::Ok:

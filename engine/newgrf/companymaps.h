@@ -1,5 +1,5 @@
-// Company colours: their names and the recolour maps a base set holds for them. Standard library
-// only.
+// Company colours: their names, the recolour maps a base set holds for them, and the maps of two
+// company colours a file brings. Standard library only.
 #pragma once
 
 #include <array>
@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "actions.h"
 #include "baseset.h"
 #include "grffile.h"
 
@@ -83,5 +84,52 @@ std::string FindInstalledCompanyMaps(const std::vector<InstalledBaseSet>& sets, 
 std::string CompanyMapsText(CompanyMapsResult result);
 // Without any maps the company colour cannot be shown.
 inline constexpr char kMsgNoCompanyMaps[] = "no base set with company colour maps found";
+
+// --- Two company colours
+// --------------------------------------------------------------------------
+
+// The palette indices of the first company colour and of the second.
+constexpr uint8_t kFirstColourIndex = 0xC6;
+constexpr uint8_t kSecondColourIndex = 0x50;
+constexpr int32_t kColourIndexCount = 8;
+// The Action 05 type whose sprites are the maps of two company colours.
+constexpr uint8_t kTwoColourMapsType = 0x0A;
+constexpr int32_t kTwoColourMapCount = kCompanyColourCount * kCompanyColourCount;
+
+// Map first + 16 x second draws the pair: the first colour's map on the first range, the second
+// colour's on the second. OpenGFX orders its 256 that way.
+struct TwoColourMaps {
+  std::vector<RecolourMap> Maps;  // kTwoColourMapCount once read
+};
+
+inline const RecolourMap& PairMapOf(const TwoColourMaps& maps, CompanyColour first,
+                                    CompanyColour second) {
+  return maps.Maps[static_cast<size_t>(first) + kCompanyColourCount * static_cast<size_t>(second)];
+}
+
+enum class TwoColourMapsResult : uint8_t {
+  Ok,
+  CannotRead,   // the file cannot be read
+  NotGrf,       // neither container version gives any sprites
+  NoAction,     // no Action 05 of type 0A
+  TooFewMaps,   // its actions bring fewer than the 256 maps
+  NotRecolour,  // one of their sprites is not a 257-byte recolour sprite
+};
+
+// The maps of the Action 05 blocks of type 0A of a file already read, a later block's map over
+// an earlier one's; `maps` is set only on Ok. Maps past 255 are not looked at.
+TwoColourMapsResult TwoColourMapsOf(const FileReading& reading, TwoColourMaps& maps);
+// Reads the file (either container version) and takes its two-colour maps.
+TwoColourMapsResult LoadTwoColourMaps(const std::string& path, TwoColourMaps& maps);
+
+// The maps of the first installed set whose extra or base file holds them; that file's path, or
+// empty when none does.
+std::string FindInstalledTwoColourMaps(const std::vector<InstalledBaseSet>& sets,
+                                       TwoColourMaps& maps);
+
+// "two-company-colour maps read", "the file has no Action 05 of type 0A", ...
+std::string TwoColourMapsText(TwoColourMapsResult result);
+inline constexpr char kMsgNoTwoColourMaps[] =
+    "no base set with two-company-colour maps (Action 05 type 0A) found";
 
 }  // namespace vossel

@@ -39,9 +39,7 @@ bool SameSet(std::vector<AlternativeInfo> a, std::vector<AlternativeInfo> b) {
 }
 
 int32_t FindByKey(const GrfFile& file, int32_t sprite, const AlternativeInfo& wanted) {
-  for (int32_t a = 0; a < AlternativeCount(file, sprite); ++a)
-    if (Key(AlternativeOf(file, sprite, a)) == Key(wanted)) return a;
-  return -1;
+  return MatchingAlternative(file, sprite, wanted);
 }
 
 const std::vector<uint8_t>& BytesOf(const FileReading& reading, int32_t sprite) {
@@ -224,23 +222,30 @@ void CompareItems(const FileReading& ra, const FileReading& rb, std::vector<Item
 
 }  // namespace
 
+int32_t MatchingAlternative(const GrfFile& file, int32_t sprite, const AlternativeInfo& wanted) {
+  for (int32_t a = 0; a < AlternativeCount(file, sprite); ++a)
+    if (Key(AlternativeOf(file, sprite, a)) == Key(wanted)) return a;
+  return -1;
+}
+
+bool PixelDiffers(const SpritePicture& a, const SpritePicture& b, int64_t pixel) {
+  const auto i = static_cast<size_t>(pixel);
+  const bool ia = i < a.Indices.size(), ib = i < b.Indices.size();
+  if (ia != ib || (ia && a.Indices[i] != b.Indices[i])) return true;
+  const size_t r = i * 4;
+  const bool ca = r + 4 <= a.Rgba.size(), cb = r + 4 <= b.Rgba.size();
+  return ca != cb || (ca && !std::equal(&a.Rgba[r], &a.Rgba[r] + 4, &b.Rgba[r]));
+}
+
 PixelDifference ComparePictures(const SpritePicture& a, const SpritePicture& b, bool count) {
   PixelDifference d;
   d.Counted = count;
   if (!count) return d;
   const int64_t pixels = int64_t{a.Width} * a.Height;
-  const auto differs = [&](int64_t p) {
-    const auto i = static_cast<size_t>(p);
-    const bool ia = i < a.Indices.size(), ib = i < b.Indices.size();
-    if (ia != ib || (ia && a.Indices[i] != b.Indices[i])) return true;
-    const size_t r = i * 4;
-    const bool ca = r + 4 <= a.Rgba.size(), cb = r + 4 <= b.Rgba.size();
-    return ca != cb || (ca && !std::equal(&a.Rgba[r], &a.Rgba[r] + 4, &b.Rgba[r]));
-  };
   d.Left = a.Width;
   d.Top = a.Height;
   for (int64_t p = 0; p < pixels; ++p) {
-    if (!differs(p)) continue;
+    if (!PixelDiffers(a, b, p)) continue;
     const auto x = static_cast<int32_t>(p % a.Width), y = static_cast<int32_t>(p / a.Width);
     ++d.Count;
     d.Left = std::min(d.Left, x);

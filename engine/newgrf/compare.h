@@ -84,11 +84,22 @@ GrfComparison CompareFiles(const GrfFile& oldFile, const FileReading& oldReading
                            const GrfFile& newFile, const FileReading& newReading,
                            const CompareOptions& options);
 
+// The alternative of `sprite` that is what `wanted` is (data or not, zoom, depth, mask); -1 when
+// the file has none such.
+int32_t MatchingAlternative(const GrfFile& file, int32_t sprite, const AlternativeInfo& wanted);
+
 // Where two pictures of the same size differ, counting all (`count`) or stopping at the first.
 PixelDifference ComparePictures(const SpritePicture& a, const SpritePicture& b, bool count);
+// Whether pixel `pixel` (row by row from 0) of two pictures of the same size differs, as
+// ComparePictures counts it.
+bool PixelDiffers(const SpritePicture& a, const SpritePicture& b, int64_t pixel);
 
 // --- Texts (compare_text.cpp) --------------------------------------------------------------------
 
+// One compared file: "A: path (container 2, 925 sprites, GRF ID ..., name, version 3)".
+std::string ComparedFileLine(const char* side, const GrfFile& file, const GrfIdentity& identity);
+// A sprite's line: "Sprite 12 (NFO 11): offsets ...".
+std::string SpriteDifferenceLine(const SpriteDifference& d);
 // "identical" or "3 sprites, 1 item differ".
 std::string ComparisonSummary(const GrfComparison& c);
 // What changed in a sprite, without its number: "offsets -31,0 -> -30,0 (8bpp normal)".

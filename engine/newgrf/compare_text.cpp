@@ -36,7 +36,25 @@ std::string SpriteShape(const SpriteFacts& f, const std::vector<AlternativeInfo>
   return SizeText(f) + " at " + OffsetText(f) + " (" + AlternativesText(alternatives) + ")";
 }
 
+std::string IdentityLine(const GrfIdentity& i) {
+  if (!i.HasAction8) return "no GRF ID";
+  std::string out = "GRF ID " + GrfIdText(i.Grf.Bytes);
+  if (!i.Name.empty()) out += ", " + i.Name;
+  if (i.HasInfo && i.Info.HasVersion) out += ", version " + std::to_string(i.Info.Version);
+  return out;
+}
+
 }  // namespace
+
+std::string ComparedFileLine(const char* side, const GrfFile& file, const GrfIdentity& identity) {
+  return std::string(side) + ": " + file.Path + " (container " + std::to_string(file.Container) +
+         ", " + std::to_string(SpriteCount(file)) + " sprites, " + IdentityLine(identity) + ")";
+}
+
+std::string SpriteDifferenceLine(const SpriteDifference& d) {
+  return "Sprite " + std::to_string(d.Sprite + 1) + " (NFO " + std::to_string(d.Sprite) +
+         "): " + SpriteChangeText(d);
+}
 
 const char* SpriteChangeKey(SpriteChange change) {
   switch (change) {

@@ -42,30 +42,45 @@ TEST(Look, FirstPaletteRuleWindowDrawsVersion1InThePaletteFileCliAsDeclared) {
 }
 
 TEST(Look, CompanyMapsComeFromTheNamedSetThenTheFileAndOnlyThenTheInstalledSets) {
-  const auto own = OpenGrf(grfw::WriteTemp("look-maps.grf", sheetfiles::DosVersion1()));
+  const auto own = OpenGrf(grfw::WriteTemp("look-maps.grf", sheetfiles::DosVersion1(true)));
   const auto none = OpenGrf(grfw::WriteTemp("look-nomaps.grf", sheetfiles::Version2()));
-  const FoundMaps fromFile = NearMaps(own->File, "");
-  EXPECT_TRUE(fromFile.Found);
+  const FoundMaps fromFile = NearMaps(own->File, own->Reading, "");
+  EXPECT_TRUE(fromFile.Found && fromFile.TwoFound);
   EXPECT_EQ(fromFile.From, own->File.Path);
   EXPECT_FALSE(SearchInstalled(fromFile));
   // The file's own map for red sends the company range to 0x10 + 8 x 4.
   EXPECT_EQ(MapOf(fromFile.Maps, CompanyColour::Red)[0xC6], 0x30);
 
-  const FoundMaps named = NearMaps(none->File, own->File.Path);
-  EXPECT_TRUE(named.Found);
+  const FoundMaps named = NearMaps(none->File, none->Reading, own->File.Path);
+  EXPECT_TRUE(named.Found && named.TwoFound);
   EXPECT_EQ(named.From, own->File.Path);
-  const FoundMaps bad = NearMaps(own->File, none->File.Path);
+  const FoundMaps bad = NearMaps(own->File, own->Reading, none->File.Path);
   EXPECT_FALSE(bad.Found);
   EXPECT_EQ(bad.Problem, "the file ends before sprite 790");
-  EXPECT_FALSE(SearchInstalled(bad)) << "a named set that fails is said, not replaced";
-  EXPECT_TRUE(SearchInstalled(NearMaps(none->File, "")));
+  FoundMaps installed;
+  installed.TwoFound = installed.Found = true;
+  EXPECT_FALSE(WithInstalled(bad, installed).Found) << "a named set that fails is said";
+  EXPECT_TRUE(WithInstalled(bad, installed).TwoFound) << "two colours are looked for on";
+  EXPECT_TRUE(SearchInstalled(NearMaps(none->File, none->Reading, "")));
 
-  // A company colour without maps draws without it; with them, through the colour's map.
+  // A company colour without maps draws without it; with them, through the colour's map; with a
+  // second colour through the pair's map, first + 16 x second; a second alone leaves the first
+  // range as it is.
   LookChoices red;
   red.Company = static_cast<int32_t>(CompanyColour::Red);
   const PaletteDeclaration dos = DeclaredPaletteOf(own->Reading);
   EXPECT_FALSE(ResolveLook(red, FirstPalette::Declared, own->File, dos, {}).Company);
   const Look shaded = ResolveLook(red, FirstPalette::Declared, own->File, dos, fromFile);
-  EXPECT_TRUE(shaded.Company);
+  EXPECT_TRUE(shaded.Company && !shaded.TwoColours);
   EXPECT_EQ(shaded.Map, MapOf(fromFile.Maps, CompanyColour::Red));
+  LookChoices pair = red;
+  pair.Company2 = static_cast<int32_t>(CompanyColour::Yellow);
+  const Look two = ResolveLook(pair, FirstPalette::Declared, own->File, dos, fromFile);
+  EXPECT_TRUE(two.Company && two.TwoColours);
+  EXPECT_EQ(two.Map[0xC6], 0x30);
+  EXPECT_EQ(two.Map[0x50], 0x28);
+  pair.Company = -1;
+  const Look second = ResolveLook(pair, FirstPalette::Declared, own->File, dos, fromFile);
+  EXPECT_EQ(second.Map[0xC6], 0xC6);
+  EXPECT_EQ(second.Map[0x57], 0x2F);
 }

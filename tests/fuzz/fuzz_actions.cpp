@@ -1,7 +1,8 @@
 // The reader of pseudo-sprites on any bytes. The input is a list of sprites: a kind byte (its
 // value mod 3: picture, pseudo-sprite, data), a length byte (FF: a word follows), then the bytes.
 // Each sprite gets an allocation of its own, so that a read past one is seen. Every text is made,
-// and the NFO form of every pseudo-sprite must read back into its bytes.
+// the NFO form of every pseudo-sprite must read back into its bytes, and the maps of two company
+// colours are taken from whatever Action 05 blocks there are.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "actions.h"
+#include "companymaps.h"
 #include "fuzz_sprites.h"
 #include "nfo_bytes.h"
 
@@ -40,6 +42,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         bytes->size() != s.Size)
       std::abort();
   }
+  FileReading reading;
+  reading.Actions = g;
+  for (const SpriteInput& s : sprites)
+    reading.Bytes.emplace_back(s.Kind == SpriteKind::Pseudo ? s.Data : nullptr,
+                               s.Kind == SpriteKind::Pseudo ? s.Data + s.Size : nullptr);
+  TwoColourMaps maps;
+  const TwoColourMapsResult two = TwoColourMapsOf(reading, maps);
+  if ((two == TwoColourMapsResult::Ok) != (maps.Maps.size() == kTwoColourMapCount)) std::abort();
+  TwoColourMapsText(two);
   DecodeGrfText(data, size);
   GrfIdText(g.Identity.Grf.Bytes);
   ParseNfoBytes(std::string(data, data + size));

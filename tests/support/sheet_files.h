@@ -23,8 +23,10 @@ inline grfw::Bytes Indices(size_t n, uint32_t seed) {
 
 // Version 1: the sprite count first, then Action 14 declaring the DOS palette, pictures small and
 // large, and the 16 company colour maps at sprites 775 to 790 (from 0), each sending the company
-// range somewhere of its own.
-inline grfw::Bytes DosVersion1() {
+// range somewhere of its own. With `pairs`, then an Action 05 of type 0A with the 256 maps of two
+// colours (map k: the first range as colour k mod 16 sends it, the second range as colour k div 16
+// sends the first) and, last, a 16 x 8 picture of both ranges among other indices.
+inline grfw::Bytes DosVersion1(bool pairs = false) {
   std::vector<grfw::Bytes> records;
   records.push_back(grfw::ActionRecord({0x17, 0x03, 0x00, 0x00}));
   grfw::Bytes info = {0x14, 'C', 'I', 'N',  'F',  'O', 'B',  'P',
@@ -39,11 +41,26 @@ inline grfw::Bytes DosVersion1() {
     records.push_back(grfw::PlainSprite(s.W, s.H, Indices(size_t{s.W} * s.H, k), -1, 2));
   }
   while (records.size() < 775) records.push_back(grfw::ActionRecord({0x0C, 'x'}));
-  for (int c = 0; c < 16; ++c) {
-    grfw::Bytes map(257);
-    for (int i = 0; i < 256; ++i) map[size_t(i) + 1] = static_cast<uint8_t>(i);
-    for (int i = 0; i < 8; ++i) map[size_t(0xC6 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * c + i);
-    records.push_back(grfw::ActionRecord(map));
+  // Colour `first` on the first range, `second` (unless -1) on the second.
+  const auto map = [](int first, int second) {
+    grfw::Bytes m(257);
+    for (int i = 0; i < 256; ++i) m[size_t(i) + 1] = static_cast<uint8_t>(i);
+    for (int i = 0; i < 8; ++i) {
+      m[size_t(0xC6 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * first + i);
+      if (second >= 0) m[size_t(0x50 + i) + 1] = static_cast<uint8_t>(0x10 + 8 * second + i);
+    }
+    return grfw::ActionRecord(m);
+  };
+  for (int c = 0; c < 16; ++c) records.push_back(map(c, -1));
+  if (pairs) {
+    records.push_back(grfw::ActionRecord({0x05, 0x0A, 0xFF, 0x00, 0x01}));
+    for (int k = 0; k < 256; ++k) records.push_back(map(k % 16, k / 16));
+    grfw::Bytes pixels(16 * 8);
+    for (size_t i = 0; i < pixels.size(); ++i)
+      pixels[i] = static_cast<uint8_t>(i % 3 == 0 ? 0x50 + i % 8 : i % 3 == 1 ? 0xC6 + i % 8 : i);
+    records.push_back(grfw::PlainSprite(16, 8, pixels, -8, -4));
+    const size_t n = records.size();
+    records[0] = grfw::ActionRecord({uint8_t(n), uint8_t(n >> 8), 0x00, 0x00});
   }
   return grfw::FileOf(records);
 }

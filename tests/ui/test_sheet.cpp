@@ -194,13 +194,17 @@ TEST(SpriteSheet, TheWindowAndTheCliDrawTheSameCells) {
         for (const bool transparent : {false, true}) {
           item->trigger();
           form->mnuCompanyColour[red ? 1 + static_cast<int>(CompanyColour::Red) : 0]->trigger();
+          // Yellow as the second colour where maps of two colours are found.
+          const bool two = red && form->mnuCompany2->isEnabled();
+          form->mnuCompany2Colour[two ? 1 + static_cast<int>(CompanyColour::Yellow) : 0]->trigger();
           if (form->Viewing().Transparent != transparent) form->mnuTransparent->trigger();
           std::vector<std::string> options = {"--palette", palette};
           if (red) options.insert(options.end(), {"--company", "red"});
+          if (two) options.insert(options.end(), {"--company2", "yellow"});
           if (transparent) options.push_back("--transparent");
           ExpectSameCells(sheet, Settled(sheet), cli(options),
                           std::string(f.Name) + " " + palette + (red ? " red" : "") +
-                              (transparent ? " transparent" : ""));
+                              (two ? " yellow" : "") + (transparent ? " transparent" : ""));
         }
       }
     }

@@ -162,3 +162,49 @@ TEST(CompanyMaps, RealOpenGfx) {
   }
   EXPECT_NE(MapOf(maps, CompanyColour::Red)[0xC6], 0xC6);
 }
+
+// Map k of OpenGFX's 256 draws the pair (first k mod 16, second k div 16): checked against the
+// rule made from its 16 maps of one colour. The first range C6..CD as the first colour's map sends
+// it, the second range 50..57 where the second colour's map sends C6..CD, all else as it is.
+TEST(CompanyMaps, OpenGfxPairsAreFirstPlusSixteenTimesSecond) {
+  const auto sets = FindInstalledBaseSets({VOSSEL_BASESET_DIR});
+  CompanyMaps one;
+  TwoColourMaps two;
+  const std::string from = FindInstalledTwoColourMaps(sets, two);
+  if (from.empty() || FindInstalledCompanyMaps(sets, one).empty())
+    GTEST_SKIP() << "OpenGFX is not installed";
+  EXPECT_EQ(from, kOpenGfx + "/ogfxe_extra.grf");
+  ASSERT_EQ(two.Maps.size(), 256u);
+  int wrong = 0;
+  for (int k = 0; k < 256; ++k) {
+    for (int i = 0; i < 256; ++i) {
+      int want = i;
+      if (i >= 0xC6 && i <= 0xCD) want = one.Maps[k % 16][i];
+      if (i >= 0x50 && i <= 0x57) want = one.Maps[k / 16][0xC6 + i - 0x50];
+      wrong += two.Maps[k][i] != want;
+    }
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST(CompanyMaps, TwoColourMapsFromTheActionsThatBringThem) {
+  // 256 maps, map k sending index 0 to k; then a block by offset that replaces map 3.
+  std::vector<grfw::Bytes> records{grfw::ActionRecord({0x05, 0x0A, 0xFF, 0x00, 0x01})};
+  for (int k = 0; k <= 256; ++k) {
+    if (k == 256) records.push_back(grfw::ActionRecord({0x05, 0x8A, 0x01, 0x03}));
+    grfw::Bytes map(257, 0);
+    map[1] = k < 256 ? uint8_t(k) : 0xEE;
+    records.push_back(grfw::ActionRecord(map));
+  }
+  TwoColourMaps got;
+  const auto load = [&](const std::vector<grfw::Bytes>& r) {
+    return LoadTwoColourMaps(grfw::WriteTemp("two.grf", grfw::FileOf(r)), got);
+  };
+  ASSERT_EQ(load(records), TwoColourMapsResult::Ok);
+  EXPECT_EQ(got.Maps[2][0], 2);
+  EXPECT_EQ(got.Maps[3][0], 0xEE);
+  records[9] = grfw::ActionRecord(grfw::Bytes(256, 0));
+  EXPECT_EQ(load(records), TwoColourMapsResult::NotRecolour);
+  records[0] = grfw::ActionRecord({0x05, 0x0A, 0x07});
+  EXPECT_EQ(load(records), TwoColourMapsResult::TooFewMaps);
+}
