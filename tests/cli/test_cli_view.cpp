@@ -66,7 +66,7 @@ TEST(CliView, PngAndJsonAreTheDisplaysComposition) {
     const std::string path = NewGrfPath(k.File);
     const auto grf = OpenGrf(path);
     const GrfItems items = ReadItems(grf->Reading);
-    FoundMaps maps = NearMaps(grf->File, "");
+    FoundMaps maps = NearMaps(grf->File, grf->Reading, "");
     if (SearchInstalled(maps)) maps = InstalledMaps();
     if (k.Company >= 0 && !maps.Found) continue;
     LookChoices choices;
