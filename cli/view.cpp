@@ -23,7 +23,8 @@ namespace {
 const char kViewUsage[] =
     "Usage: vossel-cli view FILE FEATURE ID OUT.png|- [--cargo C] [--purchase] [--loading]\n"
     "       [--pick SPRITE=N ...] [--boxes] [--origins] [--shared-origin] [--palette PAL]\n"
-    "       [--company COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32] [--json] [--force]\n"
+    "       [--company COLOUR] [--company2 COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32]\n"
+    "       [--json] [--force]\n"
     "  SPRITE names a random or variational group by its Action 02's sprite; N counts its\n"
     "  choices from 1, or is 'default'\n";
 
@@ -146,7 +147,7 @@ bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
 
 int CmdView(const std::vector<std::string>& args) {
   const CommandArgs parsed = ParseCommand(
-      args, 4, {"cargo", "palette", "company", "base-set", "zoom", "depth"},
+      args, 4, {"cargo", "palette", "company", "company2", "base-set", "zoom", "depth"},
       {"purchase", "loading", "boxes", "origins", "shared-origin", "json", "force"}, {"pick"});
   if (parsed.TooFew) return UsageError("view needs FILE, FEATURE, ID and OUT.png");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
