@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QScrollArea>
+#include <QSpinBox>
 #include <QSplitter>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -83,6 +84,7 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   tvwGraphics->setHeaderHidden(true);
   cboGraphics = new QComboBox(this);
   cboGraphics->setToolTip(QStringLiteral("Which of the item's graphics to compose"));
+  cboGraphics->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   chkLoading = new QCheckBox(QStringLiteral("&Loading"), this);
   chkLoading->setToolTip(QStringLiteral("The loading state instead of the loaded one"));
   chkBoxes = new QCheckBox(QStringLiteral("&Boxes"), this);
@@ -91,6 +93,11 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   chkOrigins->setToolTip(QStringLiteral("A cross where each sprite's offsets count from"));
   chkSharedOrigin = new QCheckBox(QStringLiteral("&Shared origin"), this);
   chkSharedOrigin->setToolTip(QStringLiteral("Every view on one origin, as the vehicle turns"));
+  spnMagnify = new QSpinBox(this);
+  spnMagnify->setRange(1, 8);
+  spnMagnify->setValue(2);
+  spnMagnify->setSuffix(QStringLiteral("x"));
+  spnMagnify->setToolTip(QStringLiteral("Magnification of the picture"));
   fraPickers = new QWidget(this);
   picView = new QLabel;
   picView->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -111,6 +118,7 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   for (QCheckBox* box : {chkLoading, chkBoxes, chkOrigins, chkSharedOrigin})
     request->addWidget(box);
   request->addStretch(1);
+  request->addWidget(spnMagnify);
   viewLayout->addLayout(request);
   viewLayout->addWidget(fraPickers);
   viewLayout->addWidget(scrView, 1);
@@ -132,6 +140,7 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   graphics->addWidget(tvwGraphics);
   graphics->addWidget(view);
   graphics->setStretchFactor(1, 1);
+  graphics->setSizes({340, 560});
   right->addWidget(graphics);
   right->setStretchFactor(1, 2);
   auto* split = new QSplitter(Qt::Horizontal, this);
@@ -160,6 +169,7 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   });
   for (QCheckBox* box : {chkBoxes, chkOrigins, chkSharedOrigin})
     connect(box, &QCheckBox::toggled, this, [this] { Redraw(); });
+  connect(spnMagnify, &QSpinBox::valueChanged, this, [this] { ShowPicture(); });
 }
 
 void frmItems::Attach(const GrfFile& file, const FileReading& reading, const GrfItems& items,
@@ -363,7 +373,7 @@ void frmItems::FillPickers() {
   old->parentWidget()->layout()->replaceWidget(old, fraPickers);
   old->setParent(nullptr);
   old->deleteLater();
-  fraPickers->setVisible(!composition_.Branches.empty());
+  fraPickers->hide();
   if (composition_.Branches.empty()) return;
   auto* form = new QFormLayout(fraPickers);
   form->setContentsMargins(0, 0, 0, 0);
@@ -385,8 +395,12 @@ void frmItems::FillPickers() {
                                    : QStringLiteral("The value could not be computed"));
     connect(combo, &QComboBox::currentIndexChanged, this,
             [this, combo, sprite] { Pick(sprite, combo->currentData().toInt()); });
-    form->addRow(Q(BranchText(*items_, b)) + QLatin1Char(':'), combo);
+    // The label is the combo box's buddy: an ampersand of the text would make a shortcut.
+    QString label = Q(BranchText(*items_, b)).replace('&', QStringLiteral("&&"));
+    form->addRow(label + QLatin1Char(':'), combo);
   }
+  // Shown once filled: children made after their parent is shown would stay hidden.
+  fraPickers->show();
 }
 
 void frmItems::Pick(int32_t sprite, int32_t choice) {
@@ -431,8 +445,7 @@ void frmItems::Redraw() {
   options.Origins = chkOrigins->isChecked();
   options.SharedOrigin = chkSharedOrigin->isChecked();
   picture_ = DrawComposition(*file_, *items_, c, look_, baseArrived_ ? &base_ : nullptr, options);
-  picView->setPixmap(QPixmap::fromImage(picture_.Image));
-  picView->adjustSize();
+  ShowPicture();
   if (c.FellBack) text += QStringLiteral("; the item has no entry for this request: its default");
   if (c.VariablesAssumed) text += QStringLiteral("; game variables read as 0");
   if (c.RegistersUnknown) text += QStringLiteral("; a register nothing filled taken as 0");
@@ -443,10 +456,16 @@ void frmItems::Redraw() {
   lblView->setText(text + QLatin1Char('.'));
 }
 
+void frmItems::ShowPicture() {
+  const int m = spnMagnify->value();
+  picView->setPixmap(QPixmap::fromImage(picture_.Image.scaled(picture_.Image.size() * m)));
+  picView->adjustSize();
+}
+
 bool frmItems::eventFilter(QObject* watched, QEvent* event) {
   if (watched == picView && event->type() == QEvent::MouseButtonPress &&
       static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-    ClickView(static_cast<QMouseEvent*>(event)->position().toPoint());
+    ClickView(static_cast<QMouseEvent*>(event)->position().toPoint() / spnMagnify->value());
     return true;
   }
   return QWidget::eventFilter(watched, event);

@@ -23,6 +23,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QScrollArea;
+class QSpinBox;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -60,6 +61,7 @@ class frmItems : public QWidget {
   QCheckBox* chkBoxes;
   QCheckBox* chkOrigins;
   QCheckBox* chkSharedOrigin;
+  QSpinBox* spnMagnify;  // screen pixels per picture pixel
   QWidget* fraPickers;
   QScrollArea* scrView;
   QLabel* picView;
@@ -87,6 +89,7 @@ class frmItems : public QWidget {
   void Pick(int32_t sprite, int32_t choice);
   // Draws the composition in the look with the options.
   void Redraw();
+  void ShowPicture();
   void ClickView(QPoint at);
   void OpenBaseOnce();
 

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QScrollArea>
+#include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -39,13 +40,19 @@ QImage CliView(const std::string& path, const std::string& feature, int id,
   return QImage(QString::fromStdString(png)).convertToFormat(QImage::Format_RGB32);
 }
 
+// The window's picture, after checking that it shows it magnified.
 QImage Shown(const frmItems& items) {
-  return items.picView->pixmap().toImage().convertToFormat(QImage::Format_RGB32);
+  const QImage& picture = items.Picture().Image;
+  EXPECT_EQ(items.picView->pixmap().toImage().convertToFormat(QImage::Format_RGB32),
+            picture.scaled(picture.size() * items.spnMagnify->value()));
+  return picture.convertToFormat(QImage::Format_RGB32);
 }
 
 void Screenshot(frmItems& items, const char* name) {
-  if (const char* folder = std::getenv("VOSSEL_ITEMS_SCREENSHOTS"))
+  if (const char* folder = std::getenv("VOSSEL_ITEMS_SCREENSHOTS")) {
+    QTest::qWait(100);  // the layout settles first
     items.grab().save(QString::fromLocal8Bit(folder) + "/" + name);
+  }
 }
 
 }  // namespace
@@ -113,7 +120,8 @@ TEST(ItemsWindow, ComposesAsTheCliInTheMainWindowsLookAndAClickShowsTheSprite) {
   // A click on a view shows its sprite in the main window.
   ASSERT_EQ(items.Picture().Sprites.size(), 8u);
   const PlacedSprite third = items.Picture().Sprites[2];
-  QTest::mouseClick(items.picView, Qt::LeftButton, {}, third.Rect.center());
+  QTest::mouseClick(items.picView, Qt::LeftButton, {},
+                    third.Rect.center() * items.spnMagnify->value());
   EXPECT_EQ(form->scrSprite->Value(), third.Sprite);
   items.chkSharedOrigin->click();
   std::vector<std::string> shared = colours;
@@ -148,12 +156,13 @@ TEST(ItemsWindow, ComposesAsTheCliInTheMainWindowsLookAndAClickShowsTheSprite) {
     return s.Source == SpriteSource::File;
   });
   ASSERT_NE(building, placed.rend());
-  QTest::mouseClick(items.picView, Qt::LeftButton, {}, building->Rect.center());
+  QTest::mouseClick(items.picView, Qt::LeftButton, {},
+                    building->Rect.center() * items.spnMagnify->value());
   EXPECT_EQ(form->scrSprite->Value(), building->Sprite);
   ASSERT_EQ(placed.front().Source, SpriteSource::Base);
   form->scrSprite->SetValue(0);
   QTest::mouseClick(items.picView, Qt::LeftButton, {},
-                    placed.front().Rect.bottomLeft() + QPoint(2, -2));
+                    (placed.front().Rect.bottomLeft() + QPoint(2, -2)) * items.spnMagnify->value());
   EXPECT_EQ(form->scrSprite->Value(), 0);
   EXPECT_TRUE(items.lblView->text().startsWith("Base sprite"))
       << items.lblView->text().toStdString();
