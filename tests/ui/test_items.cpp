@@ -98,6 +98,11 @@ TEST(ItemsWindow, ShowsWhatTheFileMakesAndDrivesTheMainWindow) {
   EXPECT_EQ(VisibleRows(items.tvwItems), 13);
   EXPECT_EQ(items.tvwProperties->topLevelItemCount(), 29);
   EXPECT_NE(items.lblItem->text().toStdString().find("Antonov ESKA-1"), std::string::npos);
+
+  // What cannot be drawn is said in words.
+  ASSERT_TRUE(items.SelectItem(0x08, 0));
+  EXPECT_TRUE(items.Picture().Image.isNull());
+  EXPECT_EQ(items.lblView->text().toStdString(), "no graphics for this request: nothing to draw.");
 }
 
 TEST(ItemsWindow, ComposesAsTheCliInTheMainWindowsLookAndAClickShowsTheSprite) {
