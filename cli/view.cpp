@@ -23,8 +23,8 @@ namespace {
 const char kViewUsage[] =
     "Usage: vossel-cli view FILE FEATURE ID OUT.png|- [--cargo C] [--purchase] [--loading]\n"
     "       [--pick SPRITE=N ...] [--boxes] [--origins] [--shared-origin] [--palette PAL]\n"
-    "       [--company COLOUR] [--company2 COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32]\n"
-    "       [--json] [--force]\n"
+    "       [--company COLOUR] [--company2 COLOUR] [--base-set FILE] [--zoom LEVEL]\n"
+    "       [--depth 8|32] [--json] [--force]\n"
     "  SPRITE names a random or variational group by its Action 02's sprite; N counts its\n"
     "  choices from 1, or is 'default'\n";
 
