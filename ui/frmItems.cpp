@@ -1,13 +1,23 @@
 #include "frmItems.h"
 
+#include <algorithm>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QScrollArea>
+#include <QSpinBox>
 #include <QSplitter>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <QtConcurrent/QtConcurrentRun>
 
 namespace vossel {
 
@@ -44,6 +54,15 @@ std::vector<int32_t> SpritesOfSet(const SpriteSetRef& set) {
   return sprites;
 }
 
+// A graphics choice as combo box data: the entry kind above the cargo.
+int EntryData(EntryKind kind, uint8_t cargo) {
+  return static_cast<int>(kind) << 8 | cargo;
+}
+
+uint64_t KeyOf(const Item& item) {
+  return uint64_t{item.Feature} << 32 | item.Id;
+}
+
 }  // namespace
 
 frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
@@ -63,6 +82,47 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
                                   QStringLiteral("Raw"), QStringLiteral("Sprite")});
   tvwGraphics = new QTreeWidget(this);
   tvwGraphics->setHeaderHidden(true);
+  cboGraphics = new QComboBox(this);
+  cboGraphics->setToolTip(QStringLiteral("Which of the item's graphics to compose"));
+  cboGraphics->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  chkLoading = new QCheckBox(QStringLiteral("&Loading"), this);
+  chkLoading->setToolTip(QStringLiteral("The loading state instead of the loaded one"));
+  chkBoxes = new QCheckBox(QStringLiteral("&Boxes"), this);
+  chkBoxes->setToolTip(QStringLiteral("Each building sprite's bounding box as a wireframe"));
+  chkOrigins = new QCheckBox(QStringLiteral("O&rigins"), this);
+  chkOrigins->setToolTip(QStringLiteral("A cross where each sprite's offsets count from"));
+  chkSharedOrigin = new QCheckBox(QStringLiteral("&Shared origin"), this);
+  chkSharedOrigin->setToolTip(QStringLiteral("Every view on one origin, as the vehicle turns"));
+  spnMagnify = new QSpinBox(this);
+  spnMagnify->setRange(1, 8);
+  spnMagnify->setValue(2);
+  spnMagnify->setSuffix(QStringLiteral("x"));
+  spnMagnify->setToolTip(QStringLiteral("Magnification of the picture"));
+  fraPickers = new QWidget(this);
+  picView = new QLabel;
+  picView->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  picView->setToolTip(QStringLiteral("Click a sprite to show it in the main window"));
+  picView->installEventFilter(this);
+  scrView = new QScrollArea(this);
+  scrView->setBackgroundRole(QPalette::Dark);
+  scrView->setWidget(picView);
+  lblView = new QLabel(this);
+  lblView->setWordWrap(true);
+  lblView->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+  auto* view = new QWidget(this);
+  auto* viewLayout = new QVBoxLayout(view);
+  viewLayout->setContentsMargins(0, 0, 0, 0);
+  auto* request = new QHBoxLayout;
+  request->addWidget(cboGraphics);
+  for (QCheckBox* box : {chkLoading, chkBoxes, chkOrigins, chkSharedOrigin})
+    request->addWidget(box);
+  request->addStretch(1);
+  request->addWidget(spnMagnify);
+  viewLayout->addLayout(request);
+  viewLayout->addWidget(fraPickers);
+  viewLayout->addWidget(scrView, 1);
+  viewLayout->addWidget(lblView);
 
   auto* left = new QWidget(this);
   auto* leftLayout = new QVBoxLayout(left);
@@ -76,7 +136,13 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   topLayout->addWidget(lblItem);
   topLayout->addWidget(tvwProperties);
   right->addWidget(top);
-  right->addWidget(tvwGraphics);
+  auto* graphics = new QSplitter(Qt::Horizontal, right);
+  graphics->addWidget(tvwGraphics);
+  graphics->addWidget(view);
+  graphics->setStretchFactor(1, 1);
+  graphics->setSizes({340, 560});
+  right->addWidget(graphics);
+  right->setStretchFactor(1, 2);
   auto* split = new QSplitter(Qt::Horizontal, this);
   split->addWidget(left);
   split->addWidget(right);
@@ -84,13 +150,26 @@ frmItems::frmItems(QWidget* owner) : QWidget(owner, Qt::Window) {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(4, 4, 4, 4);
   layout->addWidget(split);
-  resize(980, 640);
+  resize(1180, 760);
 
   connect(txtFilter, &QLineEdit::textChanged, this, [this] { Refill(); });
   connect(tvwItems, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* at) {
     const QVariant index = at ? at->data(0, kIndexRole) : QVariant();
     if (index.isValid()) ShowItem(index.toInt());
   });
+  connect(cboGraphics, &QComboBox::currentIndexChanged, this, [this] {
+    const int data = cboGraphics->currentData().toInt();
+    request_.Entry = static_cast<EntryKind>(data >> 8);
+    request_.Cargo = static_cast<uint8_t>(data & 0xFF);
+    Recompose();
+  });
+  connect(chkLoading, &QCheckBox::toggled, this, [this](bool on) {
+    request_.Loading = on;
+    Recompose();
+  });
+  for (QCheckBox* box : {chkBoxes, chkOrigins, chkSharedOrigin})
+    connect(box, &QCheckBox::toggled, this, [this] { Redraw(); });
+  connect(spnMagnify, &QSpinBox::valueChanged, this, [this] { ShowPicture(); });
 }
 
 void frmItems::Attach(const GrfFile& file, const FileReading& reading, const GrfItems& items,
@@ -118,6 +197,12 @@ void frmItems::Detach() {
   tvwProperties->clear();
   tvwGraphics->clear();
   lblItem->clear();
+  composition_ = Composition();
+  FillPickers();
+  picture_ = ComposedPicture();
+  picView->clear();
+  picView->adjustSize();
+  lblView->clear();
 }
 
 void frmItems::Follow(const Look& look) {
@@ -237,6 +322,174 @@ void frmItems::ShowItem(int32_t index) {
   for (const ItemProblem& p : graph.Problems)
     new QTreeWidgetItem(tvwGraphics, {QStringLiteral("Problem: ") + Q(ItemProblemText(p))});
   tvwGraphics->expandAll();
+
+  if (requestOf_ != KeyOf(item)) {
+    requestOf_ = KeyOf(item);
+    request_ = ComposeRequest();
+  }
+  FillGraphics(item);
+  Recompose();
+}
+
+void frmItems::FillGraphics(const Item& item) {
+  const QSignalBlocker quiet(cboGraphics);
+  const QSignalBlocker quietToo(chkLoading);
+  cboGraphics->clear();
+  cboGraphics->addItem(QStringLiteral("Default graphics"), EntryData(EntryKind::Default, 0));
+  for (const GraphicsEntry& e : item.Graphics) {
+    if (e.Kind != EntryKind::Purchase && e.Kind != EntryKind::Cargo) continue;
+    const int data = EntryData(e.Kind, e.Cargo);
+    if (cboGraphics->findData(data) >= 0) continue;
+    QString text = Q(EntryText(e, item.Feature));
+    if (!text.isEmpty()) text[0] = text[0].toUpper();
+    cboGraphics->addItem(text, data);
+  }
+  int at = cboGraphics->findData(EntryData(request_.Entry, request_.Cargo));
+  if (at < 0) {
+    // The file no longer has the entry: its default.
+    at = 0;
+    request_.Entry = EntryKind::Default;
+    request_.Cargo = 0;
+  }
+  cboGraphics->setCurrentIndex(at);
+  cboGraphics->setEnabled(cboGraphics->count() > 1);
+  chkLoading->setChecked(request_.Loading);
+  // A loading state is had by vehicles and stations.
+  chkLoading->setEnabled(IsVehicleFeature(item.Feature) || item.Feature == 0x04);
+}
+
+void frmItems::Recompose() {
+  if (items_ == nullptr || shown_ < 0) return;
+  composition_ = Compose(*items_, items_->Items[static_cast<size_t>(shown_)], request_);
+  FillPickers();
+  Redraw();
+}
+
+void frmItems::FillPickers() {
+  // The pickers change with every pick, and the one picked is still emitting: the old ones leave
+  // the window now and are deleted once it has.
+  QWidget* old = fraPickers;
+  fraPickers = new QWidget(this);
+  old->parentWidget()->layout()->replaceWidget(old, fraPickers);
+  old->setParent(nullptr);
+  old->deleteLater();
+  fraPickers->hide();
+  if (composition_.Branches.empty()) return;
+  auto* form = new QFormLayout(fraPickers);
+  form->setContentsMargins(0, 0, 0, 0);
+  form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+  for (const BranchPoint& b : composition_.Branches) {
+    const int32_t sprite = items_->Groups[static_cast<size_t>(b.Group)].Sprite;
+    auto* combo = new QComboBox(fraPickers);
+    combo->setObjectName(QStringLiteral("pick%1").arg(sprite + 1));
+    for (int32_t i = 0; i < b.Choices; ++i) combo->addItem(Q(BranchChoiceText(*items_, b, i)), i);
+    if (b.Kind == BranchKind::Variational) combo->addItem(Q(BranchChoiceText(*items_, b, -1)), -1);
+    const int preset = combo->findData(b.DefaultPick);
+    if (preset >= 0)
+      combo->setItemData(preset, QStringLiteral("Drawn unless another is picked"), Qt::ToolTipRole);
+    combo->setCurrentIndex(std::max(0, combo->findData(b.Picked)));
+    if (b.Kind == BranchKind::Variational)
+      combo->setToolTip(b.Computed ? QStringLiteral("With every game variable read as 0 the value "
+                                                    "is %1")
+                                         .arg(b.Value)
+                                   : QStringLiteral("The value could not be computed"));
+    connect(combo, &QComboBox::currentIndexChanged, this,
+            [this, combo, sprite] { Pick(sprite, combo->currentData().toInt()); });
+    // The label is the combo box's buddy: an ampersand of the text would make a shortcut.
+    QString label = Q(BranchText(*items_, b)).replace('&', QStringLiteral("&&"));
+    form->addRow(label + QLatin1Char(':'), combo);
+  }
+  // Shown once filled: children made after their parent is shown would stay hidden.
+  fraPickers->show();
+}
+
+void frmItems::Pick(int32_t sprite, int32_t choice) {
+  const auto at = std::find_if(request_.Picks.begin(), request_.Picks.end(),
+                               [&](const BranchPick& p) { return p.Sprite == sprite; });
+  if (at != request_.Picks.end())
+    at->Pick = choice;
+  else
+    request_.Picks.push_back({sprite, choice});
+  Recompose();
+}
+
+void frmItems::OpenBaseOnce() {
+  if (baseLoad_.isValid()) return;
+  baseLoad_ = QtConcurrent::run([] { return OpenBaseSprites(); });
+  auto* watch = new QFutureWatcher<BaseSprites>(this);
+  connect(watch, &QFutureWatcherBase::finished, this, [this, watch] {
+    base_ = baseLoad_.takeResult();
+    baseArrived_ = true;
+    watch->deleteLater();
+    Redraw();
+  });
+  watch->setFuture(baseLoad_);
+}
+
+void frmItems::Redraw() {
+  const Composition& c = composition_;
+  chkBoxes->setEnabled(c.End == ComposeEnd::Layout);
+  chkSharedOrigin->setEnabled(c.End == ComposeEnd::Views);
+  picture_ = ComposedPicture();
+  if (file_ == nullptr || items_ == nullptr || shown_ < 0) return;
+  QString text = Q(ComposeEndText(*items_, c));
+  if (c.End != ComposeEnd::Layout && c.End != ComposeEnd::Views && c.End != ComposeEnd::Set) {
+    picView->clear();
+    picView->adjustSize();
+    lblView->setText(text + QStringLiteral(": nothing to draw."));
+    return;
+  }
+  if (c.End == ComposeEnd::Layout) OpenBaseOnce();
+  ComposeOptions options;
+  options.Boxes = chkBoxes->isChecked();
+  options.Origins = chkOrigins->isChecked();
+  options.SharedOrigin = chkSharedOrigin->isChecked();
+  picture_ = DrawComposition(*file_, *items_, c, look_, baseArrived_ ? &base_ : nullptr, options);
+  ShowPicture();
+  if (c.FellBack) text += QStringLiteral("; the item has no entry for this request: its default");
+  if (c.VariablesAssumed) text += QStringLiteral("; game variables read as 0");
+  if (c.RegistersUnknown) text += QStringLiteral("; a register nothing filled taken as 0");
+  if (c.End == ComposeEnd::Layout && !baseArrived_)
+    text += QStringLiteral("; opening the base set, base sprites are outlines until then");
+  else if (c.End == ComposeEnd::Layout && !base_.Open)
+    text += QStringLiteral("; no base set found: base sprites are outlines");
+  lblView->setText(text + QLatin1Char('.'));
+}
+
+void frmItems::ShowPicture() {
+  const int m = spnMagnify->value();
+  picView->setPixmap(QPixmap::fromImage(picture_.Image.scaled(picture_.Image.size() * m)));
+  picView->adjustSize();
+}
+
+bool frmItems::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == picView && event->type() == QEvent::MouseButtonPress &&
+      static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+    ClickView(static_cast<QMouseEvent*>(event)->position().toPoint() / spnMagnify->value());
+    return true;
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void frmItems::ClickView(QPoint at) {
+  // The last drawn is on top.
+  for (auto s = picture_.Sprites.rbegin(); s != picture_.Sprites.rend(); ++s) {
+    if (!s->Rect.contains(at)) continue;
+    if (s->Source == SpriteSource::File && !s->Outline && file_ != nullptr &&
+        s->Sprite < SpriteCount(*file_)) {
+      if (Choose) Choose(s->Sprite);
+      lblView->setText(
+          QStringLiteral("Sprite %1 is on view in the main window.").arg(s->Sprite + 1));
+    } else if (s->Source == SpriteSource::Base) {
+      lblView->setText(QStringLiteral("Base sprite %1 comes from %2, not from this file.")
+                           .arg(s->Sprite)
+                           .arg(base_.Path.empty() ? QStringLiteral("the base set")
+                                                   : QString::fromStdString(base_.Path)));
+    } else {
+      lblView->setText(QStringLiteral("This sprite cannot be had: %1.").arg(Q(s->Problem)));
+    }
+    return;
+  }
 }
 
 }  // namespace vossel
