@@ -45,4 +45,17 @@ int FinishOutput(int status) {
   return status != kExitOk ? status : output;
 }
 
+bool DeliverPng(const std::string& name, const std::vector<uint8_t>& png) {
+  std::string error;
+  if (name == "-") {
+    if (std::fwrite(png.data(), 1, png.size(), stdout) == png.size() && std::fflush(stdout) == 0)
+      return true;
+    std::perror("vossel-cli: cannot write to standard output");
+    return false;
+  }
+  if (WriteFileWhole(name, png, error)) return true;
+  std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", name.c_str(), error.c_str());
+  return false;
+}
+
 }  // namespace vossel

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include <QJsonObject>
 
@@ -22,5 +24,9 @@ int PrintJson(const QJsonObject& document, int status);
 int FinishOutput();
 // The worse of a command's status and FinishOutput's.
 int FinishOutput(int status);
+
+// A PNG written whole as the file `name` or not at all, or on standard output for "-"; false after
+// saying why.
+bool DeliverPng(const std::string& name, const std::vector<uint8_t>& png);
 
 }  // namespace vossel

@@ -124,20 +124,6 @@ Band DrawBand(const SheetRun& run, int32_t page, int32_t row) {
   return band;
 }
 
-// Where a sheet's PNG goes: a file whole or not at all, or standard output.
-bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
-  std::string error;
-  if (name == "-") {
-    if (std::fwrite(png.data(), 1, png.size(), stdout) == png.size() && std::fflush(stdout) == 0)
-      return true;
-    std::perror("vossel-cli: cannot write to standard output");
-    return false;
-  }
-  if (WriteFileWhole(name, png, error)) return true;
-  std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", name.c_str(), error.c_str());
-  return false;
-}
-
 // One sheet encoded: its PNG's bytes (empty when the encoder failed) and the pictures that could
 // not be made.
 struct EncodedSheet {
@@ -192,7 +178,7 @@ bool WriteSheets(const SheetRun& run, const std::string& out, std::vector<std::s
     if (sheet.Png.empty()) {
       std::fprintf(stderr, "vossel-cli: cannot write '%s': the PNG encoder failed\n", name.c_str());
       written = false;
-    } else if (!Deliver(name, sheet.Png)) {
+    } else if (!DeliverPng(name, sheet.Png)) {
       written = false;
     } else if (name != "-") {
       const int64_t first = int64_t{page} * run.PerSheet;

@@ -23,7 +23,8 @@ namespace {
 const char kViewUsage[] =
     "Usage: vossel-cli view FILE FEATURE ID OUT.png|- [--cargo C] [--purchase] [--loading]\n"
     "       [--pick SPRITE=N ...] [--boxes] [--origins] [--shared-origin] [--palette PAL]\n"
-    "       [--company COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32] [--json] [--force]\n"
+    "       [--company COLOUR] [--company2 COLOUR] [--base-set FILE] [--zoom LEVEL] [--depth 8|32]\n"
+    "       [--json] [--force]\n"
     "  SPRITE names a random or variational group by its Action 02's sprite; N counts its\n"
     "  choices from 1, or is 'default'\n";
 
@@ -129,24 +130,11 @@ QJsonObject PlacedJson(const Composition& c, const PlacedSprite& s) {
   return o;
 }
 
-bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
-  std::string error;
-  if (name == "-") {
-    if (std::fwrite(png.data(), 1, png.size(), stdout) == png.size() && std::fflush(stdout) == 0)
-      return true;
-    std::perror("vossel-cli: cannot write to standard output");
-    return false;
-  }
-  if (WriteFileWhole(name, png, error)) return true;
-  std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", name.c_str(), error.c_str());
-  return false;
-}
-
 }  // namespace
 
 int CmdView(const std::vector<std::string>& args) {
   const CommandArgs parsed = ParseCommand(
-      args, 4, {"cargo", "palette", "company", "base-set", "zoom", "depth"},
+      args, 4, {"cargo", "palette", "company", "company2", "base-set", "zoom", "depth"},
       {"purchase", "loading", "boxes", "origins", "shared-origin", "json", "force"}, {"pick"});
   if (parsed.TooFew) return UsageError("view needs FILE, FEATURE, ID and OUT.png");
   if (!parsed.Error.empty()) return UsageError(parsed.Error);
@@ -237,7 +225,7 @@ int CmdView(const std::vector<std::string>& args) {
     std::fprintf(stderr, "vossel-cli: cannot write '%s': the PNG encoder failed\n", out.c_str());
     return kExitFailure;
   }
-  if (!Deliver(out, png)) return kExitFailure;
+  if (!DeliverPng(out, png)) return kExitFailure;
   const Item& it = *item;
   if (json) {
     QJsonObject doc;

@@ -64,7 +64,7 @@ _vossel_cli() {
       flags="--force"
       ;;
     view)
-      valued="--cargo --pick --palette --company --base-set --zoom --depth"
+      valued="--cargo --pick --palette --company --company2 --base-set --zoom --depth"
       flags="--purchase --loading --boxes --origins --shared-origin --json --force"
       ;;
     diff) flags="--json --pixels" ;;

@@ -66,8 +66,8 @@ TEST(CliView, PngAndJsonAreTheDisplaysComposition) {
     const std::string path = NewGrfPath(k.File);
     const auto grf = OpenGrf(path);
     const GrfItems items = ReadItems(grf->Reading);
-    FoundMaps maps = NearMaps(grf->File, "");
-    if (SearchInstalled(maps)) maps = InstalledMaps();
+    FoundMaps maps = NearMaps(grf->File, grf->Reading, "");
+    if (SearchInstalled(maps, false)) maps = WithInstalled(std::move(maps), InstalledMaps(false));
     if (k.Company >= 0 && !maps.Found) continue;
     LookChoices choices;
     choices.Company = k.Company;
