@@ -1,3 +1,4 @@
 add_executable(test_registry test_registry.cpp)
 target_link_libraries(test_registry PRIVATE vossel_registry vossel_test_support GTest::gtest_main)
 gtest_discover_tests(test_registry DISCOVERY_MODE PRE_TEST)
+vossel_test_headers(test_registry)

@@ -7,3 +7,14 @@ target_include_directories(vossel_test_support INTERFACE ${CMAKE_CURRENT_LIST_DI
 target_compile_definitions(vossel_test_support INTERFACE
                            VOSSEL_TESTS_DIR="${VOSSEL_TESTS_SOURCE_DIR}"
                            VOSSEL_BASESET_DIR="${VOSSEL_BASESET_DIR}")
+
+# GoogleTest's and Qt's headers are most of what a test file costs to compile: each test program
+# parses them once. QT adds the window headers.
+function(vossel_test_headers target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "QT" "" "")
+  set(headers <gtest/gtest.h> <filesystem> <fstream> <string> <vector>)
+  if(arg_QT)
+    list(APPEND headers <QtWidgets> <QtTest>)
+  endif()
+  target_precompile_headers(${target} PRIVATE ${headers})
+endfunction()

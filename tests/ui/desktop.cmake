@@ -1,11 +1,9 @@
 # The program on the desktop: MIME type and drops offscreen; both programs' --version and vossel
 # --help; and the real program started with a file on a virtual X display, by an absolute and a
 # relative name.
-add_executable(test_ui_desktop
-  ${CMAKE_CURRENT_SOURCE_DIR}/../platform/gui_test_main.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/test_desktop.cpp
-)
-target_link_libraries(test_ui_desktop PRIVATE vossel_ui vossel_test_support Qt6::Test GTest::gtest)
+add_executable(test_ui_desktop ${CMAKE_CURRENT_LIST_DIR}/test_desktop.cpp)
+target_link_libraries(test_ui_desktop PRIVATE vossel_ui vossel_test_support vossel_gui_test_main)
+vossel_test_headers(test_ui_desktop QT)
 target_compile_definitions(test_ui_desktop PRIVATE
   VOSSEL_BIN_DIR="${VOSSEL_BIN_DIR}" VOSSEL_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
 gtest_discover_tests(test_ui_desktop DISCOVERY_MODE PRE_TEST
