@@ -149,10 +149,12 @@ TEST(QtDialogs, MessageBoxShowsItsTextTitleIconAndOneButton) {
        {std::tuple{"", MsgBoxIcon::None, "Vossel", QMessageBox::NoIcon},
         {"Error", MsgBoxIcon::Exclamation, "Error", QMessageBox::Warning},
         {"Error", MsgBoxIcon::Information, "Error", QMessageBox::Information}}) {
+    const auto want =
+        std::make_tuple(QString(shownTitle), QString("Text"), shownIcon, qsizetype{1});
     WhenShown<QMessageBox>([&](QMessageBox* box) {
       EXPECT_EQ(
           std::make_tuple(box->windowTitle(), box->text(), box->icon(), box->buttons().size()),
-          std::make_tuple(QString(shownTitle), QString("Text"), shownIcon, qsizetype{1}));
+          want);
       box->button(QMessageBox::Ok)->click();
       return true;
     });

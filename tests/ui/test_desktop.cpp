@@ -76,10 +76,11 @@ TEST(Desktop, ADroppedGrfFileLoadsAsOpenDoesAndNothingElseIsTaken) {
   uitest::Fakes fakes;
   frmMain opened, dropped;
   std::vector<std::string> openLog, dropLog;
-  for (const auto& [form, log] : {std::pair{&opened, &openLog}, {&dropped, &dropLog}}) {
+  for (const auto& [form, titles] : {std::pair{&opened, &openLog}, {&dropped, &dropLog}}) {
     form->AppPath = VOSSEL_BIN_DIR;
     ASSERT_TRUE(form->Form_Load());
     form->show();
+    std::vector<std::string>* log = titles;  // a name the lambda below can capture
     QObject::connect(form, &QWidget::windowTitleChanged, form,
                      [log](const QString& title) { log->push_back(title.toStdString()); });
   }

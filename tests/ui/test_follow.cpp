@@ -145,7 +145,8 @@ TEST(Follow, BothWindowsFollowOneFileBesideTheModalViewer) {
     chunk.Follower->SettleMs = 20;
     chunk.mnuOpen_Click();
     chunk.scrSprite->SetValue(7);
-    for (const auto& [sprites, shown] : {std::pair{4, 3}, {8, 7}}) {
+    for (const auto& [count, shown] : {std::pair{4, 3}, {8, 7}}) {
+      const int sprites = count;  // a name the lambda below can capture
       Rewrite(path, V2(size_t(sprites)), true);
       EXPECT_TRUE(QTest::qWaitFor([&] {
         return form->lvwSprite->ItemCount() == sprites && chunk.scrSprite->Max() == sprites - 1;
