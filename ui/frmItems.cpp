@@ -370,7 +370,7 @@ void frmItems::FillPickers() {
   // the window now and are deleted once it has.
   QWidget* old = fraPickers;
   fraPickers = new QWidget(this);
-  old->parentWidget()->layout()->replaceWidget(old, fraPickers);
+  delete old->parentWidget()->layout()->replaceWidget(old, fraPickers);  // the old one's item
   old->setParent(nullptr);
   old->deleteLater();
   fraPickers->hide();
