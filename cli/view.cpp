@@ -130,19 +130,6 @@ QJsonObject PlacedJson(const Composition& c, const PlacedSprite& s) {
   return o;
 }
 
-bool Deliver(const std::string& name, const std::vector<uint8_t>& png) {
-  std::string error;
-  if (name == "-") {
-    if (std::fwrite(png.data(), 1, png.size(), stdout) == png.size() && std::fflush(stdout) == 0)
-      return true;
-    std::perror("vossel-cli: cannot write to standard output");
-    return false;
-  }
-  if (WriteFileWhole(name, png, error)) return true;
-  std::fprintf(stderr, "vossel-cli: cannot write '%s': %s\n", name.c_str(), error.c_str());
-  return false;
-}
-
 }  // namespace
 
 int CmdView(const std::vector<std::string>& args) {
@@ -238,7 +225,7 @@ int CmdView(const std::vector<std::string>& args) {
     std::fprintf(stderr, "vossel-cli: cannot write '%s': the PNG encoder failed\n", out.c_str());
     return kExitFailure;
   }
-  if (!Deliver(out, png)) return kExitFailure;
+  if (!DeliverPng(out, png)) return kExitFailure;
   const Item& it = *item;
   if (json) {
     QJsonObject doc;
